@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# make bench: builds and runs every benchmark program; the tables go to build/bench/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/test-data.sh
+scripts/install-deps.sh
+scripts/build.sh release
+mkdir -p build/bench
+for program in build/release/bin/bench_*; do
+  name=$(basename "$program")
+  echo "== $name"
+  "$program" "$@" | tee "build/bench/$name.txt"
+done

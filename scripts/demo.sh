@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# make demo: installs, builds and shows what the command line can do.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh
+scripts/build.sh release orvex
+build/release/bin/orvex --help

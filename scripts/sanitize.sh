@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# make sanitize: the whole suite under AddressSanitizer, LeakSanitizer and UBSan. Leaks of the
+# kernel are suppressed by name; ours never.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+. scripts/test-data.sh
+scripts/install-deps.sh
+scripts/build.sh sanitize
+export ASAN_OPTIONS="detect_stack_use_after_return=0:${ASAN_OPTIONS:-}"
+export LSAN_OPTIONS="suppressions=$PWD/scripts/lsan.supp:print_suppressions=0"
+export UBSAN_OPTIONS="print_stacktrace=1"
+ctest --preset sanitize "$@"
