@@ -235,9 +235,8 @@ bool ShapeLabelMgr::GetShapeLabelWithFaceTagID(TopoDS_Shape& face, int& shapeTag
 
 TopoDS_Shape ShapeLabelMgr::GetShapeByLabel(TDF_Label label)
 {
-  return Guarded("GetShapeByLabel", TopoDS_Shape(), [&] {
-    return FetchShapeTool().IsNull() ? TopoDS_Shape() : ShapeOn(label);
-  });
+  return Guarded("GetShapeByLabel", TopoDS_Shape(),
+                 [&] { return FetchShapeTool().IsNull() ? TopoDS_Shape() : ShapeOn(label); });
 }
 
 std::vector<TopoDS_Shape> ShapeLabelMgr::GetShapesByLabels(const std::vector<TDF_Label>& labels)
@@ -257,7 +256,8 @@ TopoDS_Shape ShapeLabelMgr::GetShapeByTag(int tag)
 TopoDS_Shape ShapeLabelMgr::GetSubShapeByTag(int shapeTag, int subShapeTag)
 {
   const TDF_Label label = FirstWithTag(GetAllShapeLabes(), shapeTag);
-  return label.IsNull() ? TopoDS_Shape() : ShapeOn(FirstWithTag(SubShapeLabels(label), subShapeTag));
+  return label.IsNull() ? TopoDS_Shape()
+                        : ShapeOn(FirstWithTag(SubShapeLabels(label), subShapeTag));
 }
 
 TopoDS_Shape ShapeLabelMgr::GetShapeByName(std::string& name)
@@ -305,8 +305,8 @@ std::vector<TopoDS_Shape> ShapeLabelMgr::GetAllSolidShapes()
 {
   std::vector<TopoDS_Shape> shapes = GetAllShapes();
   std::erase_if(shapes, [](const TopoDS_Shape& shape) {
-    return shape.IsNull()
-           || (shape.ShapeType() != TopAbs_SOLID && shape.ShapeType() != TopAbs_COMPSOLID);
+    return shape.IsNull() ||
+           (shape.ShapeType() != TopAbs_SOLID && shape.ShapeType() != TopAbs_COMPSOLID);
   });
   return shapes;
 }
@@ -452,14 +452,14 @@ std::string ShapeLabelMgr::GetShapeDisplayMode(TopoDS_Shape& shape)
     if (!word.empty())
       return word;
     LogQuietly(Orvex::kLogWarning,
-               "GetShapeDisplayMode: modeName found but empty after conversion! ExtStr length = "
-                 + std::to_string(mode->Get().Length()) + ". Falling back to BooleanList.");
+               "GetShapeDisplayMode: modeName found but empty after conversion! ExtStr length = " +
+                 std::to_string(mode->Get().Length()) + ". Falling back to BooleanList.");
   }
   if (const auto wireframe = Orvex::FlagOf(child)) {
     const std::string word = *wireframe ? Orvex::kWireframeMode : Orvex::kSurfaceMode;
     LogQuietly(Orvex::kLogInformation,
-               std::string("GetShapeDisplayMode: Using BooleanList fallback, isWireframe=")
-                 + (*wireframe ? "true" : "false") + ", returning: " + word);
+               std::string("GetShapeDisplayMode: Using BooleanList fallback, isWireframe=") +
+                 (*wireframe ? "true" : "false") + ", returning: " + word);
     return word;
   }
   LogQuietly(Orvex::kLogInformation,
@@ -523,8 +523,8 @@ bool ShapeLabelMgr::ShapeHasMaterial(TopoDS_Shape& shape)
   if (label.IsNull())
     return false;
   const auto material = TextAttribute(label.FindChild(Orvex::kMaterialTag));
-  return !material.IsNull() && !material->Get().IsEmpty()
-         && !material->Get().IsEqual(TCollection_ExtendedString(Orvex::kNoMaterial));
+  return !material.IsNull() && !material->Get().IsEmpty() &&
+         !material->Get().IsEqual(TCollection_ExtendedString(Orvex::kNoMaterial));
 }
 
 std::string ShapeLabelMgr::GetMaterialByLabel(const TDF_Label&)
@@ -565,9 +565,8 @@ void ShapeLabelMgr::UpdateTDFByMoveAction(TDF_Label& label, gp_Trsf trsf)
   if (label.IsNull())
     return;
   Orvex::VisitChildren(label, [&](const TDF_Label& child) {
-    const bool moved = std::any_of(kMovedPoints.begin(), kMovedPoints.end(), [&](const char* name) {
-      return Orvex::HasName(child, name);
-    });
+    const bool moved = std::any_of(kMovedPoints.begin(), kMovedPoints.end(),
+                                   [&](const char* name) { return Orvex::HasName(child, name); });
     if (const auto point = Orvex::PointOf(child); moved && point)
       Orvex::SetPoint(child, point->Transformed(trsf));
     return false;

@@ -33,8 +33,7 @@
 class ORVEX_API ShapeLabelMgr
 {
 public:
-  using SubShapeMap =
-    std::map<opencascade::handle<TopoDS_TShape>, std::vector<TopoDS_Shape>>;
+  using SubShapeMap = std::map<opencascade::handle<TopoDS_TShape>, std::vector<TopoDS_Shape>>;
 
   // The instance, made on first use and never destroyed.
   static ShapeLabelMgr* GetInstance();

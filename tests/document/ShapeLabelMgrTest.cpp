@@ -191,8 +191,8 @@ TEST_F(ShapeRegistry, FlagsAndTransparencyAreMadeOnDemand)
   EXPECT_TRUE(Orvex::HasName(label.FindChild(Orvex::kEnabledTag), "Enabled"));
   Handle(TDataStd_BooleanList) list;
   Registry().SetShapeVisibilty(shape, true);
-  ASSERT_TRUE(label.FindChild(Orvex::kVisibilityTag)
-                .FindAttribute(TDataStd_BooleanList::GetID(), list));
+  ASSERT_TRUE(
+    label.FindChild(Orvex::kVisibilityTag).FindAttribute(TDataStd_BooleanList::GetID(), list));
   EXPECT_EQ(list->Extent(), 1);
 
   EXPECT_EQ(Registry().GetShapeTransparent(shape), 1.0);
@@ -204,8 +204,8 @@ TEST_F(ShapeRegistry, FlagsAndTransparencyAreMadeOnDemand)
 TEST_F(ShapeRegistry, DisplayModeIsAWordWithTheFlagAsFallback)
 {
   std::vector<std::pair<int, std::string>> log;
-  const auto sink =
-    Orvex::SetMessageSink([&](int level, const std::string& text) { log.emplace_back(level, text); });
+  const auto sink = Orvex::SetMessageSink(
+    [&](int level, const std::string& text) { log.emplace_back(level, text); });
   TopoDS_Shape shape = Box(1);
   const TDF_Label child = Add(shape).FindChild(Orvex::kDisplayModeTag);
 
