@@ -8,6 +8,8 @@ set(ORVEX_PACKAGE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/OrvexCoreGeometry")
 install(TARGETS OrvexFoundation OrvexCoreGeometry EXPORT OrvexCoreGeometryTargets
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
         INCLUDES DESTINATION "${ORVEX_INCLUDE_PREFIX}")
+install(TARGETS orvex-step-worker
+        RUNTIME DESTINATION "${CMAKE_INSTALL_LIBEXECDIR}/OrvexCoreGeometry")
 install(EXPORT OrvexCoreGeometryTargets NAMESPACE Orvex:: DESTINATION "${ORVEX_PACKAGE_DIR}")
 
 # A header is public exactly if it exports something or is listed as a plain record.

@@ -78,7 +78,7 @@ public:
                            const std::string& targetId);
 
 private:
-  AssemblyTreeNode* FindNode(const std::string& id);
+  AssemblyTreeNode* FindAssembly(const std::string& id);
   std::vector<AssemblyTreeNode>* FindContainer(const std::string& parentId);
 
   std::vector<AssemblyTreeNode> roots;

@@ -48,7 +48,14 @@
 #include <string>
 #include <vector>
 
+class Standard_Transient;
+class TDocStd_Document;
 class XSControl_TransferReader;
+
+namespace Orvex {
+class ReadControl;
+class WorkerRead;
+} // namespace Orvex
 
 class ORVEX_API CStepFileReader : public QThread
 {
@@ -112,12 +119,22 @@ protected:
 
 private:
   friend class OrvexStepReader;
+  friend class Orvex::WorkerRead;
 
   void run() override;
   void readStepWithXCAF(const QString& file);
   void readStepsMapNew(QString file, bool flag);
   void ParseCompound(opencascade::handle<XSControl_TransferReader> transfer, TopoDS_Shape& shape);
   bool HasImportedShapes() const;
+
+  void BeginRead();
+  void EndRead(bool failed);
+  void ReadIsolated(bool isFull);
+  void CollectFrom(const TDocStd_Document& document, const Orvex::ReadControl& control);
+  void StorePlain(const opencascade::handle<XSControl_TransferReader>& transfer,
+                  TopoDS_Shape& shape);
+  std::string PlainNameOf(const opencascade::handle<Standard_Transient>& entity) const;
+  static int& NextNumberForUnnamed();
 
   QString baseName; // also the model name of what is derived from the read shapes
   std::vector<StepShapeData> shapeDataList;

@@ -1,0 +1,114 @@
+#include "step/internal/ProductTree.h"
+
+#include <XCAFDoc_ShapeTool.hxx>
+#include <gp_Mat.hxx>
+#include <gp_Trsf.hxx>
+
+namespace Orvex {
+
+namespace {
+
+AssemblyTransform PlacementOf(const TDF_Label& label)
+{
+  AssemblyTransform placement;
+  const TopLoc_Location location = XCAFDoc_ShapeTool::GetShape(label).Location();
+  if (location.IsIdentity())
+    return placement;
+  const gp_Trsf motion = location.Transformation();
+  const gp_Mat rotation = motion.VectorialPart();
+  for (int row = 0; row < 3; ++row) {
+    for (int column = 0; column < 3; ++column)
+      placement.matrix[static_cast<std::size_t>(4 * row + column)] =
+        rotation.Value(row + 1, column + 1);
+    placement.matrix[static_cast<std::size_t>(4 * row + 3)] =
+      motion.TranslationPart().Coord(row + 1);
+  }
+  return placement;
+}
+
+void FillIfEmpty(std::string& text, const std::string& value)
+{
+  if (text.empty())
+    text = value;
+}
+
+void NameAfterShape(AssemblyTreeNode& node)
+{
+  FillIfEmpty(node.name, node.shapeName);
+  FillIfEmpty(node.name, "Part");
+}
+
+} // namespace
+
+ProductTree::ProductTree(ShapeCollector& shapeCollector, const ReadControl& readControl)
+    : collector(shapeCollector), control(readControl)
+{}
+
+AssemblyTreeNode ProductTree::RootOf(const TDF_Label& label)
+{
+  return NodeOf(label, TDF_Label());
+}
+
+AssemblyTreeMgr::Definitions& ProductTree::GetDefinitions()
+{
+  return definitions;
+}
+
+AssemblyTreeNode ProductTree::NodeOf(const TDF_Label& label, const TDF_Label& occurrence)
+{
+  control.ThrowIfCancelled(kXcafCancelled);
+  const TDF_Label& placed = occurrence.IsNull() ? label : occurrence;
+  AssemblyTreeNode node;
+  node.isAssembly = XCAFDoc_ShapeTool::IsAssembly(label);
+  node.id = EntryOf(placed);
+  node.transform = PlacementOf(placed);
+  node.name = NameOf(label, occurrence);
+  if (node.isAssembly) {
+    FillIfEmpty(node.name, "Assembly");
+    const auto components = ComponentsOf(label);
+    node.children.reserve(components.size());
+    for (const TDF_Label& component : components)
+      node.children.push_back(ChildOf(component));
+    return node;
+  }
+  FillIfEmpty(node.name, "Part");
+  node.shapeName = collector.TakeNameOf(XCAFDoc_ShapeTool::GetShape(label));
+  node.partId = Define(label, node.name, node.shapeName);
+  return node;
+}
+
+AssemblyTreeNode ProductTree::ChildOf(const TDF_Label& component)
+{
+  const TDF_Label product = ReferredProduct(component);
+  if (product.IsNull())
+    return NodeOf(component, TDF_Label());
+  if (XCAFDoc_ShapeTool::IsAssembly(product))
+    return NodeOf(product, component);
+  return LeafOf(component, product);
+}
+
+AssemblyTreeNode ProductTree::LeafOf(const TDF_Label& component, const TDF_Label& product)
+{
+  AssemblyTreeNode leaf;
+  leaf.id = EntryOf(component);
+  leaf.name = NameOf(product, component);
+  leaf.shapeName = collector.TakeNameOf(XCAFDoc_ShapeTool::GetShape(component));
+  leaf.transform = PlacementOf(component);
+  leaf.partId = Define(product, leaf.name, leaf.shapeName);
+  NameAfterShape(leaf);
+  return leaf;
+}
+
+std::string ProductTree::Define(const TDF_Label& product, const std::string& name,
+                                const std::string& shapeName)
+{
+  const std::string key = EntryOf(product);
+  const auto [place, isNew] = definitions.try_emplace(key, key, name, shapeName);
+  if (!isNew) {
+    FillIfEmpty(place->second.name, name);
+    FillIfEmpty(place->second.shapeName, shapeName);
+  }
+  return key;
+}
+
+} // namespace Orvex
