@@ -167,9 +167,11 @@ QString TreeText(const QJsonArray& nodes, const QString& indent, const TextStyle
     const QJsonObject node = nodes[i].toObject();
     const QJsonArray children = node.value("children").toArray();
     const bool repeated = node.value("occurrence").toInt() > 1 && !children.isEmpty();
-    text += indent + QLatin1String(last ? "└─ " : "├─ ") + NodeText(node, repeated, style) + u'\n';
+    text += indent + (last ? QStringLiteral("└─ ") : QStringLiteral("├─ ")) +
+            NodeText(node, repeated, style) + u'\n';
     if (!repeated)
-      text += TreeText(children, indent + QLatin1String(last ? "   " : "│  "), style);
+      text +=
+        TreeText(children, indent + (last ? QStringLiteral("   ") : QStringLiteral("│  ")), style);
   }
   return text;
 }

@@ -45,17 +45,15 @@ struct Explanation
 {
   const char* text;
   const char* reason;
-  const char* advice;
 };
 
 constexpr Explanation kExplanations[] = {
-  {"XCAF ReadFile failed", "the parser cannot make sense of it", ""},
-  {"XCAF Transfer failed", "nothing in it could be translated into shapes", ""},
-  {"XCAF reader returned no shapes", "there are no shapes in it", ""},
-  {"basic STEP reader returned no shapes", "there are no shapes in it, or it cannot be parsed", ""},
-  {"XCAF reader crashed with SEH", "the kernel crashed while translating it",
-   "--plain may get through"},
-  {"basic STEP reader crashed", "the kernel crashed while translating it", ""},
+  {"XCAF ReadFile failed", "the parser cannot make sense of it"},
+  {"XCAF Transfer failed", "nothing in it could be translated into shapes"},
+  {"XCAF reader returned no shapes", "there are no shapes in it"},
+  {"basic STEP reader returned no shapes", "there are no shapes in it, or it cannot be parsed"},
+  {"XCAF reader crashed with SEH", "the kernel crashed while translating it"},
+  {"basic STEP reader crashed", "the kernel crashed while translating it"},
 };
 
 bool EndIsMissing(const std::string& path)
@@ -73,10 +71,8 @@ Failure FailureOfRead(const std::string& path, const CStepFileReader& reader)
   const QString text = reader.GetLastError();
   Failure failure{ExitCode::Unreadable, TextFromBytes(path), {}, text, {}};
   for (const Explanation& known : kExplanations)
-    if (text == QLatin1String(known.text)) {
+    if (text == QLatin1String(known.text))
       failure.reason = QStringLiteral("%1: %2").arg(known.reason, text);
-      failure.advice = known.advice;
-    }
   for (const StepMessage& message : reader.GetReadReport().messages)
     if (message.isFailure && message.entityId > 0) {
       failure.entity = EntityText(message.entityId, message.entityType);
