@@ -16,8 +16,7 @@ public:
 
   explicit ReplaceableHandler(Handler initial)
       : current(std::make_shared<Handler>(std::move(initial)))
-  {
-  }
+  {}
 
   // Returns the handler that was in place.
   Handler Replace(Handler next)

@@ -5,8 +5,7 @@ namespace Orvex {
 ScopedNumericLocale::ScopedNumericLocale()
     : pointed(newlocale(LC_NUMERIC_MASK, "C", duplocale(uselocale(nullptr)))),
       previous(pointed == nullptr ? nullptr : uselocale(pointed))
-{
-}
+{}
 
 ScopedNumericLocale::~ScopedNumericLocale()
 {

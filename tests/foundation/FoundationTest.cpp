@@ -88,8 +88,7 @@ TEST(DebugLog, ManyThreadsAppendWholeLinesToTheFile)
     log.Flush();
     EXPECT_EQ(LinesOf(path).size(), 8000U);
   }
-  const std::regex form(
-    R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z thread [0-3] line \d+)");
+  const std::regex form(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}Z thread [0-3] line \d+)");
   for (const auto& line : LinesOf(path))
     ASSERT_TRUE(std::regex_match(line, form)) << line;
 }
