@@ -19,9 +19,9 @@ namespace Orvex::Cli {
 
 namespace {
 
-// Long enough for the largest file that anybody waits for, short enough that a kernel which loops
-// does not hold up a batch over night.
-constexpr double kDefaultTimeLimitSeconds = 600.0;
+// Far longer than the kernel ever takes between two signs of life over a file that it gets
+// through; but it can loop for ever over a broken one.
+constexpr double kStallLimitSeconds = 120.0;
 
 constexpr int kLossesShown = 10;
 
@@ -30,9 +30,11 @@ struct InfoOptions
   std::vector<std::string> files;
   StepInfoOptions read;
   bool inProcess = false;
+  double stallLimitSeconds = kStallLimitSeconds;
 };
 
-Failure FailureOfWorker(const WorkerReply& reply, const std::string& path, double limitSeconds)
+Failure FailureOfWorker(const WorkerReply& reply, const std::string& path,
+                        const InfoOptions& options)
 {
   Failure failure{ExitCode::Unreadable, TextFromBytes(path), {}, {}, {}};
   switch (reply.end) {
@@ -42,8 +44,13 @@ Failure FailureOfWorker(const WorkerReply& reply, const std::string& path, doubl
     break;
   case WorkerReply::End::TimeLimit:
     failure.code = ExitCode::TimeLimit;
-    failure.reason = QStringLiteral("not read within %1 s").arg(Decimal(limitSeconds));
+    failure.reason = QStringLiteral("not read within %1 s").arg(options.read.timeLimitSeconds);
     failure.advice = QStringLiteral("--time-limit allows more");
+    break;
+  case WorkerReply::End::Stalled:
+    failure.reason = QStringLiteral("the kernel got stuck on it: %1 s without progress")
+                       .arg(options.stallLimitSeconds);
+    failure.advice = QStringLiteral("--stall-limit allows more");
     break;
   default:
     failure.reason = QStringLiteral("the kernel broke down while reading it: %1")
@@ -56,16 +63,17 @@ QJsonObject DescribeIsolated(const std::string& path, const InfoOptions& options
                              ProgressDisplay& progress)
 {
   const auto job = [&](const ProgressSink& sink) {
+    // The time is kept out here, where a kernel that hangs cannot stop the clock.
     StepInfoOptions read = options.read;
-    read.timeLimitSeconds =
-      0.0; // the time is kept out here, where a kernel that hangs cannot stop it
+    read.timeLimitSeconds = 0.0;
     return DescribeStepFile(path, read, sink);
   };
-  const WorkerReply reply =
-    RunInWorker(job, {options.read.timeLimitSeconds, session.Options().verbose}, progress);
+  const WorkerOptions limits{options.read.timeLimitSeconds, options.stallLimitSeconds,
+                             session.Options().verbose};
+  const WorkerReply reply = RunInWorker(job, limits, progress);
   if (reply.end == WorkerReply::End::Replied)
     return reply.value;
-  return FailedEntry(FailureOfWorker(reply, path, options.read.timeLimitSeconds));
+  return FailedEntry(FailureOfWorker(reply, path, options));
 }
 
 QJsonObject DescribeFile(const std::string& path, const InfoOptions& options, Session& session)
@@ -159,9 +167,13 @@ Action DeclareInfo(CLI::App& app)
   app.add_flag("--plain", options->read.plain, "Read shapes and names only, no products, colours");
   app.add_flag("--in-process", options->inProcess,
                "Read without the protection of a worker process");
+  app
+    .add_option("--stall-limit", options->stallLimitSeconds,
+                "Give up on a file after so long without progress (120; 0: never)")
+    ->check(CLI::NonNegativeNumber.description(""))
+    ->option_text("SECONDS");
   return [options](Session& session) {
-    options->read.timeLimitSeconds =
-      session.Options().timeLimitSeconds.value_or(kDefaultTimeLimitSeconds);
+    options->read.timeLimitSeconds = session.Options().timeLimitSeconds;
     return RunInfo(*options, session);
   };
 }

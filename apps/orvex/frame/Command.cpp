@@ -29,7 +29,7 @@ void AddCommonOptions(CLI::App& app, CommonOptions& options)
     ->option_text("auto|bar|json|none");
   app
     .add_option("--time-limit", options.timeLimitSeconds,
-                "Give up on an input after so long (0: never)")
+                "Give up on an input after so long (0, the default: never)")
     ->check(CLI::NonNegativeNumber.description(""))
     ->option_text("SECONDS");
   auto* quiet = app.add_flag("-q,--quiet", options.quiet, "No progress, no warnings");

@@ -48,6 +48,7 @@ Console::Console() : resultDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)
 
 Console::~Console()
 {
+  ::dup2(resultDescriptor, STDOUT_FILENO);
   ::close(resultDescriptor);
 }
 

@@ -15,7 +15,8 @@ namespace Orvex::Cli {
 class Console
 {
 public:
-  // Takes standard output away from descriptor 1. Made once, before anything else runs.
+  // Takes standard output away from descriptor 1, before anything else runs; the destructor gives
+  // it back.
   Console();
   ~Console();
   Console(const Console&) = delete;

@@ -1,8 +1,6 @@
 // The options that every subcommand has.
 #pragma once
 
-#include <optional>
-
 namespace Orvex::Cli {
 
 enum class ProgressMode { Automatic, Bar, Json, None };
@@ -13,8 +11,7 @@ struct CommonOptions
   bool json = false;
   bool quiet = false;
   bool verbose = false;
-  std::optional<double>
-    timeLimitSeconds; // for each input; 0: none; not given: as the subcommand says
+  double timeLimitSeconds = 0.0; // for each input; 0: none
 };
 
 } // namespace Orvex::Cli

@@ -164,19 +164,27 @@ private:
   int descriptor = -1;
 };
 
-// Takes the complete lines off the front of what has been received.
-std::optional<QJsonObject> TakeReply(QByteArray& received, ProgressDisplay& progress)
+// What has come from a worker so far.
+struct Received
 {
-  qsizetype end = 0;
-  while ((end = received.indexOf('\n')) >= 0) {
-    const QJsonObject message = QJsonDocument::fromJson(received.first(end)).object();
-    received.remove(0, end + 1);
-    if (message.contains("reply"))
-      return message.value("reply").toObject();
-    progress.Show({message.value("stage").toString(), message.value("fraction").toDouble()});
+  QByteArray bytes;
+  Clock::time_point lastProgress = Clock::now();
+
+  // Takes the complete lines off the front.
+  std::optional<QJsonObject> TakeReply(ProgressDisplay& progress)
+  {
+    qsizetype end = 0;
+    while ((end = bytes.indexOf('\n')) >= 0) {
+      const QJsonObject message = QJsonDocument::fromJson(bytes.first(end)).object();
+      bytes.remove(0, end + 1);
+      if (message.contains("reply"))
+        return message.value("reply").toObject();
+      lastProgress = Clock::now();
+      progress.Show({message.value("stage").toString(), message.value("fraction").toDouble()});
+    }
+    return std::nullopt;
   }
-  return std::nullopt;
-}
+};
 
 bool IsOver(Clock::time_point started, double limitSeconds)
 {
@@ -189,20 +197,23 @@ bool IsOver(Clock::time_point started, double limitSeconds)
 WorkerReply RunInWorker(const WorkerJob& job, const WorkerOptions& options,
                         ProgressDisplay& progress)
 {
+  using End = WorkerReply::End;
   const auto started = Clock::now();
   WorkerProcess worker(job, options.showChatter);
-  QByteArray received;
+  Received received;
   for (bool open = true; open;) {
-    open = worker.Receive(received);
-    if (auto reply = TakeReply(received, progress))
-      return {WorkerReply::End::Replied, *reply, 0};
+    open = worker.Receive(received.bytes);
+    if (auto reply = received.TakeReply(progress))
+      return {End::Replied, *reply, 0};
     if (InterruptRequested())
-      return {WorkerReply::End::Interrupted, {}, 0};
+      return {End::Interrupted, {}, 0};
     if (IsOver(started, options.timeLimitSeconds))
-      return {WorkerReply::End::TimeLimit, {}, 0};
+      return {End::TimeLimit, {}, 0};
+    if (IsOver(received.lastProgress, options.stallLimitSeconds))
+      return {End::Stalled, {}, 0};
     progress.Tick();
   }
-  return {WorkerReply::End::Died, {}, worker.Wait()};
+  return {End::Died, {}, worker.Wait()};
 }
 
 } // namespace Orvex::Cli

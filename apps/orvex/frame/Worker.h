@@ -2,8 +2,8 @@
 //
 // The kernel's STEP parser can abort, overwrite its heap or run for ever on a broken file. Work
 // given to a worker runs in a copy of this process; what comes back is one JSON object, or the
-// news that the copy died, did not end in time, or was interrupted. The copy is a fork without
-// exec, so it costs a few milliseconds and the memory that the work itself takes.
+// news that the copy died, hung, did not end in time, or was interrupted. The copy is a fork
+// without exec, so it costs a few milliseconds and the memory that the work itself takes.
 //
 // Requires: a caller that has no threads beside the one it calls on.
 #pragma once
@@ -18,7 +18,7 @@ namespace Orvex::Cli {
 
 struct WorkerReply
 {
-  enum class End { Replied, Died, TimeLimit, Interrupted };
+  enum class End { Replied, Died, Stalled, TimeLimit, Interrupted };
   End end = End::Died;
   QJsonObject value; // of a worker that replied
   int signal = 0;    // that ended a worker which died; 0: it went away without one
@@ -29,8 +29,9 @@ using WorkerJob = std::function<QJsonObject(const ProgressSink&)>;
 
 struct WorkerOptions
 {
-  double timeLimitSeconds = 0.0; // 0: none
-  bool showChatter = false;      // let the worker write to standard error
+  double timeLimitSeconds = 0.0;  // for the whole job; 0: none
+  double stallLimitSeconds = 0.0; // from one report of progress to the next; 0: none
+  bool showChatter = false;       // let the worker write to standard error
 };
 
 // Runs the job and waits for it, showing its progress.

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace Orvex::Cli {
 
@@ -142,12 +143,15 @@ QJsonArray PointJson(const gp_XYZ& point)
   return {point.X(), point.Y(), point.Z()};
 }
 
+// JSON knows neither infinities nor the results of computing with them.
 QJsonValue BoxJson(const Bnd_Box& box)
 {
-  if (box.IsVoid())
+  if (box.IsVoid() || box.IsOpen())
     return {};
   const gp_XYZ low = box.CornerMin().XYZ();
   const gp_XYZ high = box.CornerMax().XYZ();
+  if (!std::isfinite((high - low).Modulus()))
+    return {};
   return QJsonObject{{"min", PointJson(low)},
                      {"max", PointJson(high)},
                      {"size", PointJson(high - low)},
