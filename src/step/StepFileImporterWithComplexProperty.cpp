@@ -1,11 +1,13 @@
 #include "step/StepFileImporterWithComplexProperty.h"
 
+#include "foundation/OrvexDebugLogFile.h"
 #include "foundation/ScopedNumericLocale.h"
 
+#include <Message_Messenger.hxx>
+#include <Message_Printer.hxx>
 #include <STEPControl_Reader.hxx>
 #include <TopoDS_Iterator.hxx>
 #include <Transfer_TransientProcess.hxx>
-#include <XSControl_TransferReader.hxx>
 #include <XSControl_WorkSession.hxx>
 #include <gp_Ax3.hxx>
 
@@ -37,6 +39,28 @@ void PrintMatrix(std::ostream& stream, const gp_Trsf& motion)
   }
 }
 
+// Takes what the kernel says to the debug log: a library writes nothing uninvited.
+class LogPrinter : public Message_Printer
+{
+  DEFINE_STANDARD_RTTI_INLINE(LogPrinter, Message_Printer)
+
+protected:
+  void send(const TCollection_AsciiString& text, const Message_Gravity /*gravity*/) const override
+  {
+    OrvexDebugLogFile::GetInstance()->dumpToFile(text.ToCString());
+  }
+};
+
+void DescribeLoad(STEPControl_Reader& reader)
+{
+  const auto process = reader.WS()->MapReader();
+  process->SetMessenger(new Message_Messenger(new LogPrinter));
+  process->SetTraceLevel(2);
+  std::ostringstream checks;
+  reader.PrintCheckLoad(checks, false, IFSelect_ItemsByEntity);
+  OrvexDebugLogFile::GetInstance()->dumpToFile(checks.str());
+}
+
 } // namespace
 
 bool StepFileImporterWithComplexProperty::ImportFile(const char* path)
@@ -45,8 +69,7 @@ bool StepFileImporterWithComplexProperty::ImportFile(const char* path)
   STEPControl_Reader reader;
   if (reader.ReadFile(path) != IFSelect_RetDone)
     return false;
-  reader.WS()->TransferReader()->TransientProcess()->SetTraceLevel(2);
-  reader.PrintCheckLoad(false, IFSelect_ItemsByEntity);
+  DescribeLoad(reader);
   reader.TransferRoots();
   for (int i = 1; i <= reader.NbShapes(); ++i)
     if (const TopoDS_Shape shape = reader.Shape(i); !shape.IsNull())

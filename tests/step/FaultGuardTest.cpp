@@ -97,8 +97,10 @@ INSTANTIATE_TEST_SUITE_P(FaultGuard, EachFault,
 
 TEST(FaultGuard, PassesResultsAndExceptionsAndLeavesNothingBehind)
 {
-  struct sigaction before{};
-  struct sigaction after{};
+  struct sigaction before
+  {};
+  struct sigaction after
+  {};
   stack_t stackBefore{};
   stack_t stackAfter{};
   sigaction(SIGSEGV, nullptr, &before);
@@ -155,12 +157,14 @@ public:
 
 private:
   int signal;
-  struct sigaction before{};
+  struct sigaction before
+  {};
 };
 
 struct sigaction ActionOf(void (*handler)(int))
 {
-  struct sigaction action{};
+  struct sigaction action
+  {};
   action.sa_handler = handler;
   return action;
 }
@@ -185,7 +189,8 @@ TEST(FaultGuard, FaultsOfOtherThreadsReachTheHandlersOfTheHost)
     FaultBesideAGuard();
     EXPECT_EQ(hostCalls, 1);
   }
-  struct sigaction withInfo{};
+  struct sigaction withInfo
+  {};
   withInfo.sa_sigaction = HostHandlerWithInfo;
   withInfo.sa_flags = SA_SIGINFO;
   const HostAction host(SIGSEGV, withInfo);

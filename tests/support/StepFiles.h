@@ -57,8 +57,8 @@ void ReplaceInFile(const ScratchFile& file, const std::string& from, const std::
 TopoDS_Shape Box(double size);
 
 // "two pairs of bolts": an assembly "top" with
-//   a sub-assembly "pair" at x = 100 and another one at x = 200, each of two "bolt"s at y = 0 and 10,
-//   a red "bolt" at z = 7.
+//   a sub-assembly "pair" at x = 100 and another one at x = 200, each of two "bolt"s at y = 0 and
+//   10, a red "bolt" at z = 7.
 void WriteBoltAssembly(const ScratchFile& file);
 
 } // namespace OrvexTest

@@ -119,36 +119,14 @@ TopoDS_Shape ResultOf(const Transfer_TransientProcess& process, const Entity& en
   return binder.IsNull() ? TopoDS_Shape() : TransferBRep::ShapeResult(binder);
 }
 
-class LossFinder
+// The kind of shape that the translation should make of an entity; TopAbs_SHAPE for the others,
+// which are not counted.
+TopAbs_ShapeEnum KindOf(const Entity& entity)
 {
-public:
-  LossFinder(const StepData_StepModel& stepModel, const Transfer_TransientProcess& transfer,
-             StepReadReport& readReport)
-      : model(stepModel), process(transfer), report(readReport)
-  {}
-
-  void Look(const Entity& entity)
-  {
-    if (entity->IsKind(STANDARD_TYPE(StepShape_SolidModel)))
-      Expect(entity, TopAbs_SOLID, report.solidsInFile);
-    else if (entity->IsKind(STANDARD_TYPE(StepShape_FaceSurface)))
-      Expect(entity, TopAbs_FACE, report.facesInFile);
-  }
-
-private:
-  void Expect(const Entity& entity, TopAbs_ShapeEnum kind, int& count)
-  {
-    ++count;
-    const TopoDS_Shape result = ResultOf(process, entity);
-    if (!Holds(result, kind))
-      report.losses.push_back(
-        {model.IdentLabel(entity), TypeNameOf(model, entity), WordsFor(result)});
-  }
-
-  const StepData_StepModel& model;
-  const Transfer_TransientProcess& process;
-  StepReadReport& report;
-};
+  if (entity->IsKind(STANDARD_TYPE(StepShape_SolidModel)))
+    return TopAbs_SOLID;
+  return entity->IsKind(STANDARD_TYPE(StepShape_FaceSurface)) ? TopAbs_FACE : TopAbs_SHAPE;
+}
 
 } // namespace
 
@@ -170,6 +148,9 @@ void ReportLoad(STEPControl_Reader& reader, StepReadReport& report)
       ++report.entitiesInError;
     if (model->IsReportEntity(i))
       taker.Take(model->Value(i), model->ReportEntity(i)->Check());
+    const TopAbs_ShapeEnum kind = KindOf(model->Value(i));
+    report.solidsInFile += kind == TopAbs_SOLID ? 1 : 0;
+    report.facesInFile += kind == TopAbs_FACE ? 1 : 0;
   }
 }
 
@@ -179,13 +160,18 @@ void ReportTransfer(const STEPControl_Reader& reader, const std::vector<TopoDS_S
   const opencascade::handle<StepData_StepModel> model = reader.StepModel();
   const auto process = reader.WS()->TransferReader()->TransientProcess();
   MessageTaker taker(*model, true, report.messages);
-  LossFinder finder(*model, *process, report);
   for (int i = 1; i <= model->NbEntities(); ++i) {
     const Entity entity = model->Value(i);
     const opencascade::handle<Transfer_Binder> binder = process->Find(entity);
     if (!binder.IsNull())
       taker.Take(entity, binder->Check());
-    finder.Look(entity);
+    const TopAbs_ShapeEnum kind = KindOf(entity);
+    if (kind == TopAbs_SHAPE)
+      continue;
+    const TopoDS_Shape result = ResultOf(*process, entity);
+    if (!Holds(result, kind))
+      report.losses.push_back(
+        {model->IdentLabel(entity), TypeNameOf(*model, entity), WordsFor(result)});
   }
   report.solidsOut = CountDistinct(outcome, TopAbs_SOLID);
   report.facesOut = CountDistinct(outcome, TopAbs_FACE);
