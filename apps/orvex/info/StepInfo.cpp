@@ -27,9 +27,10 @@ double SecondsSince(Clock::time_point start)
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
+// A broken file can give anything, no number at all included: that becomes 0.
 QString Hex(double r, double g, double b)
 {
-  const auto inRange = [](double value) { return std::clamp(value, 0.0, 1.0); };
+  const auto inRange = [](double value) { return value > 0.0 ? std::min(value, 1.0) : 0.0; };
   const Quantity_Color colour(inRange(r), inRange(g), inRange(b), Quantity_TOC_RGB);
   return QString::fromLatin1(Quantity_Color::ColorToHex(colour).ToCString()).toLower();
 }
