@@ -110,7 +110,7 @@ void BM_KernelOnly(benchmark::State& state)
 
 void BM_CreateBox(benchmark::State& state)
 {
-  const double perBox = SecondsPerBox(state, [](const Handle(XCAFDoc_ShapeTool) &, int) {
+  const double perBox = SecondsPerBox(state, [](const Handle(XCAFDoc_ShapeTool)&, int) {
     BoxShapeParaCreator().CreateBox(gp_Pnt(), gp_Dir(), 1.0, 2.0, 3.0);
   });
   const double kernel = kernelSecondsPerBox[state.range(0)];

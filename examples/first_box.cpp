@@ -27,8 +27,8 @@ int main()
   gp_Pnt corner(0, 0, 0);
   gp_Dir up(0, 0, 1);
   TDF_Label box = creator.CreateBox(corner, up, 10, 20, 30);
-  std::printf("%s: volume %.0f\n",
-              ShapeLabelMgr::GetInstance()->GetShapeNameByLabel(box).c_str(), VolumeOn(box));
+  std::printf("%s: volume %.0f\n", ShapeLabelMgr::GetInstance()->GetShapeNameByLabel(box).c_str(),
+              VolumeOn(box));
 
   double length = 15, width = 20, height = 30;
   creator.SetShapeParameter(box, corner, up, length, width, height);

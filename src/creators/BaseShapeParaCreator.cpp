@@ -49,7 +49,8 @@ QVariant ReferredValue(const TCollection_AsciiString& reference)
 
 } // namespace
 
-BaseShapeParaCreator::BaseShapeParaCreator(const BaseShapeParaCreator&) : IBaseShapeParaCreator() {}
+BaseShapeParaCreator::BaseShapeParaCreator(const BaseShapeParaCreator&) : IBaseShapeParaCreator()
+{}
 
 BaseShapeParaCreator& BaseShapeParaCreator::operator=(const BaseShapeParaCreator&)
 {
@@ -73,11 +74,14 @@ void BaseShapeParaCreator::operator delete(BaseShapeParaCreator* creator, std::d
   ::operator delete(memory);
 }
 
-void BaseShapeParaCreator::CreateShapeParameter(TDF_Label&) {}
+void BaseShapeParaCreator::CreateShapeParameter(TDF_Label&)
+{}
 
-void BaseShapeParaCreator::UpdateShape(TDF_Label&) {}
+void BaseShapeParaCreator::UpdateShape(TDF_Label&)
+{}
 
-void BaseShapeParaCreator::ValidateParameters() {}
+void BaseShapeParaCreator::ValidateParameters()
+{}
 
 void BaseShapeParaCreator::AddCommonAttribute(TDF_Label& label)
 {

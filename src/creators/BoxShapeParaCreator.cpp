@@ -22,8 +22,11 @@ ParameterField BoxLength(const char* name)
 }
 
 const std::array kFields = {
-  PointField("Base Point", ReadRule::Reference), DirectionField("Normal"), BoxLength("Length"),
-  BoxLength("Width"), BoxLength("Height"),
+  PointField("Base Point", ReadRule::Reference),
+  DirectionField("Normal"),
+  BoxLength("Length"),
+  BoxLength("Width"),
+  BoxLength("Height"),
 };
 
 TopoDS_Shape Build(const ParameterSet& values)
@@ -82,4 +85,5 @@ void BoxShapeParaCreator::SetShapeParameter(TDF_Label& label, gp_Pnt& corner, gp
   StoreFrom(label, corner, normal, length, width, height);
 }
 
-void BoxShapeParaCreator::ValidateParameters() {}
+void BoxShapeParaCreator::ValidateParameters()
+{}

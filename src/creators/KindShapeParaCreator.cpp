@@ -52,8 +52,8 @@ void VisitParameters(const ShapeKind& kind, const TDF_Label& label, Visit&& visi
 void EnsurePointList(const ShapeKind& kind, const TDF_Label& label)
 {
   for (const ParameterField& field : kind.fields)
-    if (std::holds_alternative<PointList>(field.initial)
-        && Orvex::ChildByName(label, field.name).IsNull())
+    if (std::holds_alternative<PointList>(field.initial) &&
+        Orvex::ChildByName(label, field.name).IsNull())
       Orvex::CreateParameterChild(label, field);
 }
 
@@ -189,8 +189,7 @@ ParameterSet KindShapeParaCreator::ReadParameters(const TDF_Label& label)
 ParameterSet KindShapeParaCreator::ReadParameters(const TDF_Label& label, ParameterSet defaults)
 {
   VisitParameters(Kind(), label, [&](const TDF_Label& parameter, std::size_t index) {
-    defaults[index] =
-      Orvex::ReadParameter(*this, parameter, Kind().fields[index], defaults[index]);
+    defaults[index] = Orvex::ReadParameter(*this, parameter, Kind().fields[index], defaults[index]);
   });
   return defaults;
 }

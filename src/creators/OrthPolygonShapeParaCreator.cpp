@@ -62,8 +62,8 @@ TDF_Label OrthPolygonShapeParaCreator::CreateOrthPolygon(const gp_Pnt& center,
   return CreateWith({center, firstVertex, sides});
 }
 
-void OrthPolygonShapeParaCreator::GetParameter(TDF_Label label, gp_Pnt& center,
-                                               gp_Pnt& firstVertex, int& sides)
+void OrthPolygonShapeParaCreator::GetParameter(TDF_Label label, gp_Pnt& center, gp_Pnt& firstVertex,
+                                               int& sides)
 {
   ReadInto(label, center, firstVertex, sides);
 }

@@ -21,8 +21,8 @@ TopoDS_Shape Build(const ParameterSet& values)
   const gp_Vec alongX(RealAt(values, kLength), 0, 0);
   const gp_Vec alongY(0, RealAt(values, kWidth), 0);
   return BRepBuilderAPI_MakePolygon(corner, corner.Translated(alongX),
-                                    corner.Translated(alongX + alongY),
-                                    corner.Translated(alongY), true)
+                                    corner.Translated(alongX + alongY), corner.Translated(alongY),
+                                    true)
     .Shape();
 }
 
@@ -54,8 +54,8 @@ void RectangleShapeParaCreator::GetParameter(TDF_Label label, gp_Pnt& corner, do
   ReadInto(label, corner, length, width);
 }
 
-void RectangleShapeParaCreator::SetShapeParameter(TDF_Label& label, gp_Pnt& corner,
-                                                  double& length, double& width)
+void RectangleShapeParaCreator::SetShapeParameter(TDF_Label& label, gp_Pnt& corner, double& length,
+                                                  double& width)
 {
   StoreFrom(label, corner, length, width);
 }

@@ -11,8 +11,8 @@ class ORVEX_API RevolveShapeParaCreator : public KindShapeParaCreator
 {
 public:
   // Units: the angle in radians, unlike the angles of the solids.
-  // Returns: the new label; null without a current document, for a null shape, and for an angle that
-  // is not finite.
+  // Returns: the new label; null without a current document, for a null shape, and for an angle
+  // that is not finite.
   TDF_Label CreateRevolve(const TopoDS_Shape& shape, const gp_Pnt& point, const gp_Dir& direction,
                           double angle);
 

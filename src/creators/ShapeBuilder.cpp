@@ -22,8 +22,8 @@ std::unique_ptr<BaseShapeParaCreator> CreatorOf(TDF_Label label)
 
 bool MoveAsCompound(TDF_Label& label, const gp_Trsf& trsf)
 {
-  if (ShapeDocMgr::GetInstance()->GetDoc().IsNull() || label.IsNull()
-      || XCAFDoc_ShapeTool::GetShape(label).IsNull())
+  if (ShapeDocMgr::GetInstance()->GetDoc().IsNull() || label.IsNull() ||
+      XCAFDoc_ShapeTool::GetShape(label).IsNull())
     return false;
   BaseShapeParaCreator().PerformObjectTransform(label, trsf);
   Orvex::SetType(label, Orvex::kTypeCompound);

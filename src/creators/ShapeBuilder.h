@@ -1,6 +1,6 @@
-// Shapes by label alone: finds the creator that belongs to a label and routes moves, clones, rebuilds
-// and parameter edits to it, so that a front end needs to know no kind. Labels without a known kind
-// are handled as plain geometry.
+// Shapes by label alone: finds the creator that belongs to a label and routes moves, clones,
+// rebuilds and parameter edits to it, so that a front end needs to know no kind. Labels without a
+// known kind are handled as plain geometry.
 #pragma once
 
 #include "creators/BaseShapeParaCreator.h"

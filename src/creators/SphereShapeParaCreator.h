@@ -12,8 +12,8 @@ public:
   TDF_Label CreateSphere(const gp_Pnt& center, double radius, double angle1, double angle2,
                          double angle3);
 
-  void GetParameter(TDF_Label label, gp_Pnt& center, double& radius, double& angle1,
-                    double& angle2, double& angle3);
+  void GetParameter(TDF_Label label, gp_Pnt& center, double& radius, double& angle1, double& angle2,
+                    double& angle3);
   void SetShapeParameter(TDF_Label& label, gp_Pnt& center, double& radius, double& angle1,
                          double& angle2, double& angle3);
 

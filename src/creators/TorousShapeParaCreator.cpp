@@ -21,7 +21,7 @@ namespace {
 enum Field { kBasePoint, kMajorRadius, kMinorRadius, kAngle1, kAngle2, kAngle3 };
 
 const std::array kFields = {
-  PointField("Base Point"),         LengthField("Bottom Radius"),   LengthField("Radius"),
+  PointField("Base Point"),        LengthField("Bottom Radius"),   LengthField("Radius"),
   DegreesField("Angle1", -180, 0), DegreesField("Angle2", 0, 180), DegreesField("Angle3", 0, 360),
 };
 
@@ -51,16 +51,16 @@ TopoDS_Shape Build(const ParameterSet& values)
   const double major = RealAt(values, kMajorRadius);
   const double minor = RealAt(values, kMinorRadius);
   if (!TorousShapeParaCreator::ValidateParameters(major, minor, RealAt(values, kAngle1),
-                                                  RealAt(values, kAngle2),
-                                                  RealAt(values, kAngle3), nullptr))
+                                                  RealAt(values, kAngle2), RealAt(values, kAngle3),
+                                                  nullptr))
     return {};
   const gp_Ax2 axes(PointAt(values, kBasePoint), gp_Dir(0, 0, 1));
   const TopoDS_Shape shape =
     BRepPrimAPI_MakeTorus(axes, major, minor, Radians(RealAt(values, kAngle1)),
                           Radians(RealAt(values, kAngle2)), Radians(RealAt(values, kAngle3)))
       .Shape();
-  const bool sound = !shape.IsNull() && BRepCheck_Analyzer(shape, true).IsValid()
-                     && CanBeMeshed(shape, std::min(major, minor));
+  const bool sound = !shape.IsNull() && BRepCheck_Analyzer(shape, true).IsValid() &&
+                     CanBeMeshed(shape, std::min(major, minor));
   return sound ? shape : TopoDS_Shape();
 }
 

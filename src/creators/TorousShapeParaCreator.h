@@ -22,8 +22,8 @@ public:
 
   void GetParameter(TDF_Label label, gp_Pnt& center, double& majorRadius, double& minorRadius,
                     double& angle1, double& angle2, double& angle3);
-  void SetShapeParameter(TDF_Label& label, gp_Pnt& center, double& majorRadius,
-                         double& minorRadius, double& angle1, double& angle2, double& angle3);
+  void SetShapeParameter(TDF_Label& label, gp_Pnt& center, double& majorRadius, double& minorRadius,
+                         double& angle1, double& angle2, double& angle3);
 
   const Orvex::ShapeKind& Kind() const override;
 

@@ -19,8 +19,8 @@ std::string FixedNumber(double value)
 
 std::string CornerLine(const char* title, const gp_Pnt& corner)
 {
-  return title + FixedNumber(corner.X()) + "  ,  " + FixedNumber(corner.Y()) + "  ,  "
-         + FixedNumber(corner.Z()) + "<br>";
+  return title + FixedNumber(corner.X()) + "  ,  " + FixedNumber(corner.Y()) + "  ,  " +
+         FixedNumber(corner.Z()) + "<br>";
 }
 
 bool IsOneOf(const TopoDS_Shape& shape, std::initializer_list<TopAbs_ShapeEnum> types)
@@ -55,9 +55,9 @@ std::string OrvexDocShapesInformation::DumpModelInformation()
   const Bnd_Box& box = m_modelInfo.boundingBox;
   const gp_Pnt least = box.IsVoid() ? gp_Pnt() : box.CornerMin();
   const gp_Pnt most = box.IsVoid() ? gp_Pnt() : box.CornerMax();
-  return "Total number of main shapes in the model is: " + std::to_string(shapes) + "<br>"
-         + "Face  number:" + std::to_string(m_modelInfo.numberOfFaces) + "<br>"
-         + CornerLine("Bounding Box(Min):  ", least) + CornerLine("Bounding Box(Max):  ", most);
+  return "Total number of main shapes in the model is: " + std::to_string(shapes) + "<br>" +
+         "Face  number:" + std::to_string(m_modelInfo.numberOfFaces) + "<br>" +
+         CornerLine("Bounding Box(Min):  ", least) + CornerLine("Bounding Box(Max):  ", most);
 }
 
 std::string

@@ -54,8 +54,8 @@ TDF_Label LabelOf(const TDF_Label& root, const TopoDS_Shape& shape)
     return first;
   for (TNaming_SameShapeIterator it(shape, root); it.More(); it.Next()) {
     const TDF_Label label = it.Label();
-    if (label.Father() == root && IdOn(label) && ShapeOn(label).IsSame(shape)
-        && (first.IsNull() || label.Tag() < first.Tag()))
+    if (label.Father() == root && IdOn(label) && ShapeOn(label).IsSame(shape) &&
+        (first.IsNull() || label.Tag() < first.Tag()))
       first = label;
   }
   return first;
@@ -165,8 +165,9 @@ TopoDS_Shape OrvexShapeMapper::FindShape(const TCollection_AsciiString& id)
     return cached;
   // One walk serves all ids that are asked for after it.
   idToLabel.clear();
-  VisitRegistered(rootLabel, [&](const TDF_Label& label, const TCollection_AsciiString& registered,
-                                 const TopoDS_Shape&) { idToLabel.try_emplace(registered, label); });
+  VisitRegistered(rootLabel,
+                  [&](const TDF_Label& label, const TCollection_AsciiString& registered,
+                      const TopoDS_Shape&) { idToLabel.try_emplace(registered, label); });
   const TopoDS_Shape found = ShapeWithId(id);
   if (!found.IsNull())
     Enter(found, id, idToLabel[id]);
@@ -189,7 +190,5 @@ void OrvexShapeMapper::RebuildMappings()
   shapeToId.clear();
   idToLabel.clear();
   VisitRegistered(rootLabel, [&](const TDF_Label& label, const TCollection_AsciiString& id,
-                                 const TopoDS_Shape& registered) {
-    Enter(registered, id, label);
-  });
+                                 const TopoDS_Shape& registered) { Enter(registered, id, label); });
 }

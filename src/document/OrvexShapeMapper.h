@@ -12,16 +12,16 @@
 // - Ids are kept on children of the main label's child 1. In an XCAF document that is the label of
 //   the shape tool: to the kernel, and so to ShapeLabelMgr, each registered shape is one more
 //   top-level shape. GetAllShapes and its like count it a second time, its name is the id, and its
-//   tag comes out of the same source as those of new shapes. Looking up the label of the shape still
-//   gives the label that had it first.
+//   tag comes out of the same source as those of new shapes. Looking up the label of the shape
+//   still gives the label that had it first.
 // - An id is always the text of a UUID. Children whose text is something else, as the labels of the
 //   shapes themselves, are passed over.
 // - After undo and redo a cached id may name a label that bears no shape any more; FindShape then
 //   looks through the document.
 // - For the thread of the front end only.
 // Cost: logarithmic for what was looked up before. A shape that was not is found or missed through
-// the kernel's own index; an id that was not costs one walk over the document's shapes, which serves
-// all ids after it. An unknown id always costs the walk.
+// the kernel's own index; an id that was not costs one walk over the document's shapes, which
+// serves all ids after it. An unknown id always costs the walk.
 #pragma once
 
 #include "foundation/Export.h"

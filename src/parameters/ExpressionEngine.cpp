@@ -12,8 +12,8 @@
 
 namespace {
 
-// The parser calls itself for each bracket, for each sign before an operand, and for each power in a
-// chain of powers (which bind to the right).
+// The parser calls itself for each bracket, for each sign before an operand, and for each power in
+// a chain of powers (which bind to the right).
 class NestingMeter
 {
 public:
@@ -50,7 +50,7 @@ bool IsTooDeep(const std::string& expression)
 }
 
 bool Evaluate(const std::string& expression, const std::map<std::string, double>& variables,
-                double& result)
+              double& result)
 {
   std::string names;
   std::vector<double> values;

@@ -140,8 +140,8 @@ bool GlobalParaMeterMgr::IsValidParaNameFormat(const QString& name)
 QString GlobalParaMeterMgr::SidecarPath(const QString& documentPath)
 {
   const QFileInfo info(documentPath);
-  return info.absolutePath() + QLatin1Char('/') + info.completeBaseName()
-         + QLatin1String(".params.json");
+  return info.absolutePath() + QLatin1Char('/') + info.completeBaseName() +
+         QLatin1String(".params.json");
 }
 
 bool GlobalParaMeterMgr::LoadFromFile(const QString& path, QString* error)

@@ -1,8 +1,8 @@
 // The named global parameters of the current model, and the JSON file beside a document that keeps
 // them.
 //
-// Parameters on shape labels refer to them by name. The table is process-wide and independent of the
-// current document; the application loads and saves the file with the document:
+// Parameters on shape labels refer to them by name. The table is process-wide and independent of
+// the current document; the application loads and saves the file with the document:
 //
 //   QString error;
 //   GlobalParaMeterMgr::LoadFromFile(GlobalParaMeterMgr::SidecarPath(documentPath), &error);
@@ -23,8 +23,8 @@
 class ORVEX_API GlobalParaMeterMgr
 {
 public:
-  using Table = std::unordered_map<QString, ParametersDef, std::hash<QString>,
-                                   std::equal_to<QString>>;
+  using Table =
+    std::unordered_map<QString, ParametersDef, std::hash<QString>, std::equal_to<QString>>;
 
   // Inserts or replaces. Any name is accepted, also one that differs from the record's own.
   static void AddParameter(QString name, ParametersDef definition);

@@ -98,9 +98,9 @@ TEST_F(BoxCreation, WritesNameCommonAttributesAndParametersOnTheirTags)
   EXPECT_EQ(registry->GetShapeDisplayMode(shape), "surface");
 
   const std::vector<std::pair<int, std::string>> expected = {
-    {1, "Type"},      {2, "Visibility"}, {3, "Transparent"},  {4, "Color"},   {5, "Material"},
-    {6, "Enabled"},   {7, "Mesh Size"},  {8, "Display Mode"}, {9, "Base Point"}, {10, "Normal"},
-    {11, "Length"},   {12, "Width"},     {13, "Height"}};
+    {1, "Type"},    {2, "Visibility"}, {3, "Transparent"},  {4, "Color"},      {5, "Material"},
+    {6, "Enabled"}, {7, "Mesh Size"},  {8, "Display Mode"}, {9, "Base Point"}, {10, "Normal"},
+    {11, "Length"}, {12, "Width"},     {13, "Height"}};
   std::vector<std::pair<int, std::string>> found;
   for (TDF_ChildIterator child(label); child.More(); child.Next())
     found.emplace_back(child.Value().Tag(), Orvex::NameOf(child.Value())->ToCString());
@@ -166,8 +166,7 @@ TEST_F(BoxCreation, RebuildsFromItsParametersWithinTheirClamps)
 
 TEST_F(BoxCreation, AxesWithTheirOwnXDirectionShapeTheBoxButAreNotStored)
 {
-  TDF_Label label =
-    box.CreateBox(gp_Ax2(gp::Origin(), gp::DZ(), gp::DY()), 10, 1, 1);
+  TDF_Label label = box.CreateBox(gp_Ax2(gp::Origin(), gp::DZ(), gp::DY()), 10, 1, 1);
   const auto extent = [&](int axis) {
     Bnd_Box bounds;
     BRepBndLib::AddOptimal(ShapeOf(label), bounds, false, false);
@@ -398,8 +397,7 @@ TEST(CreatorBase, DeletingThroughTheBaseIsWellDefined)
 {
   // The sanitizers watch: a wrong size, a second release or a leak ends the test.
   for (int i = 0; i < 3; ++i) {
-    const std::unique_ptr<BaseShapeParaCreator> creator(
-      Orvex::MakeCreator<BoxShapeParaCreator>());
+    const std::unique_ptr<BaseShapeParaCreator> creator(Orvex::MakeCreator<BoxShapeParaCreator>());
     EXPECT_NE(dynamic_cast<BoxShapeParaCreator*>(creator.get()), nullptr);
   }
 }

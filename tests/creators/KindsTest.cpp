@@ -1,5 +1,6 @@
-// Laws that hold for every kind of shape, over seeded random parameters: what is created can be read
-// back, rebuilt, moved, cloned, saved and reopened, and its measure is that of the closed formula.
+// Laws that hold for every kind of shape, over seeded random parameters: what is created can be
+// read back, rebuilt, moved, cloned, saved and reopened, and its measure is that of the closed
+// formula.
 
 #include "creators/KindShapeParaCreator.h"
 #include "creators/ShapeBuilder.h"
@@ -97,8 +98,8 @@ double BezierLength(const PointList& points)
   const auto polyline = [&](int steps) {
     double length = 0;
     for (int i = 0; i < steps; ++i)
-      length += DeCasteljau(points, double(i) / steps)
-                  .Distance(DeCasteljau(points, double(i + 1) / steps));
+      length +=
+        DeCasteljau(points, double(i) / steps).Distance(DeCasteljau(points, double(i + 1) / steps));
     return length;
   };
   return (4 * polyline(4000) - polyline(2000)) / 3;
@@ -229,17 +230,22 @@ struct KindCase
 {
   const char* word;
   Sample (*sample)(Random&);
+
+  friend void PrintTo(const KindCase& kind, std::ostream* out)
+  {
+    *out << kind.word;
+  }
 };
 
 constexpr KindCase kCases[] = {
-  {"Line", &RandomLine},         {"Rectangle", &RandomRectangle},
-  {"Polygon", &RandomPolygon},   {"Arc", &RandomArc},
-  {"Circle", &RandomCircle},     {"Ellipse", &RandomEllipse},
-  {"BSpline", &RandomBSpline},   {"Bezier", &RandomBezier},
-  {"Box", &RandomBox},           {"Cylinder", &RandomCylinder},
-  {"Sphere", &RandomSphere},     {"Cone", &RandomCone},
-  {"Torus", &RandomTorus},       {"Revolve", &RandomRevolve},
-  {"Extrude", &RandomExtrude},   {"ExtrudeLoop", &RandomExtrudeLoop},
+  {"Line", &RandomLine},       {"Rectangle", &RandomRectangle},
+  {"Polygon", &RandomPolygon}, {"Arc", &RandomArc},
+  {"Circle", &RandomCircle},   {"Ellipse", &RandomEllipse},
+  {"BSpline", &RandomBSpline}, {"Bezier", &RandomBezier},
+  {"Box", &RandomBox},         {"Cylinder", &RandomCylinder},
+  {"Sphere", &RandomSphere},   {"Cone", &RandomCone},
+  {"Torus", &RandomTorus},     {"Revolve", &RandomRevolve},
+  {"Extrude", &RandomExtrude}, {"ExtrudeLoop", &RandomExtrudeLoop},
 };
 
 double MeasureOf(const TopoDS_Shape& shape)
@@ -290,7 +296,10 @@ void ExpectMovedBy(const Bnd_Box& before, const Bnd_Box& after, const gp_Vec& st
 class EveryKind : public testing::TestWithParam<KindCase>
 {
 protected:
-  const ShapeKind& Kind() const { return *Orvex::KindOfWord(GetParam().word); }
+  const ShapeKind& Kind() const
+  {
+    return *Orvex::KindOfWord(GetParam().word);
+  }
 
   std::unique_ptr<KindShapeParaCreator> Creator() const
   {
@@ -383,8 +392,7 @@ TEST_P(EveryKind, WithTheManagerOffOnlyThreeSolidsRegister)
   Random random(Seed());
   const TDF_Label label = Creator()->CreateWith(GetParam().sample(random).values);
   const bool registered = ParametricFeatureManager::GetInstance().FindFeature(
-                            ParametricFeatureManager::MakeLabelKey(label))
-                          != nullptr;
+                            ParametricFeatureManager::MakeLabelKey(label)) != nullptr;
   const std::string word = GetParam().word;
   EXPECT_EQ(registered, word == "Box" || word == "Cylinder" || word == "Sphere");
 }

@@ -56,8 +56,8 @@ TEST(ExpressionEngine, RefusesNestingThatWouldExhaustTheStack)
     const std::string head = Repeated(unit, 200000);
     EXPECT_FALSE(ExpressionEngine::TryCalculateExpress(head + "x", variables, result)) << unit;
   }
-  EXPECT_TRUE(ExpressionEngine::TryCalculateExpress(
-    Repeated("(", deep) + "x" + Repeated(")", deep), variables, result));
+  EXPECT_TRUE(ExpressionEngine::TryCalculateExpress(Repeated("(", deep) + "x" + Repeated(")", deep),
+                                                    variables, result));
   EXPECT_TRUE(ExpressionEngine::TryCalculateExpress(Repeated("x^", deep) + "x", variables, result));
 }
 
@@ -66,8 +66,8 @@ TEST(ExpressionEngine, TakesLongFlatTextsUpToItsLimit)
   Variables variables{{"x", 1.0}};
   double result = 0;
   for (const char* term : {"x+", "x-", "x^2+", "-x*"})
-    EXPECT_TRUE(ExpressionEngine::TryCalculateExpress(Repeated(term, 20000) + "x", variables,
-                                                      result))
+    EXPECT_TRUE(
+      ExpressionEngine::TryCalculateExpress(Repeated(term, 20000) + "x", variables, result))
       << term;
   const std::string tooLong(ExpressionEngine::kLongestExpression + 1, '1');
   EXPECT_FALSE(ExpressionEngine::TryCalculateExpress(tooLong, variables, result));

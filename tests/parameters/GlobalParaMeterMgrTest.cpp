@@ -61,7 +61,10 @@ void WriteFile(const QString& path, const QByteArray& content)
 class GlobalParameters : public testing::Test
 {
 protected:
-  QString Path(const char* name) const { return folder.filePath(name); }
+  QString Path(const char* name) const
+  {
+    return folder.filePath(name);
+  }
 
   QTemporaryDir folder;
 };

@@ -11,7 +11,8 @@ namespace OrvexTest {
 class Random
 {
 public:
-  explicit Random(std::uint64_t seedValue) : state(seedValue) {}
+  explicit Random(std::uint64_t seedValue) : state(seedValue)
+  {}
 
   std::uint64_t Next()
   {
@@ -27,7 +28,10 @@ public:
   }
 
   // From 0 up to, not including, count.
-  int Index(int count) { return static_cast<int>(Next() % static_cast<std::uint64_t>(count)); }
+  int Index(int count)
+  {
+    return static_cast<int>(Next() % static_cast<std::uint64_t>(count));
+  }
 
 private:
   std::uint64_t state;

@@ -85,8 +85,9 @@ void CreateParameterChild(const TDF_Label& shapeLabel, const ParameterField& fie
   const auto make = [&](ParameterLabelKind kind) {
     MakeParameterLabel(shapeLabel, tag, field.name, kind);
   };
-  const auto named = [&] { return MakeParameterLabel(shapeLabel, tag, field.name,
-                                                     ParameterLabelKind::NameOnly); };
+  const auto named = [&] {
+    return MakeParameterLabel(shapeLabel, tag, field.name, ParameterLabelKind::NameOnly);
+  };
   std::visit(Overloaded{[&](double) { make(ParameterLabelKind::Real); },
                         [&](int) { make(ParameterLabelKind::Integer); },
                         [&](const gp_Pnt&) { make(ParameterLabelKind::Point); },

@@ -20,7 +20,8 @@ using Table = GlobalParaMeterMgr::Table;
 class Resolver
 {
 public:
-  explicit Resolver(const Table& parameters) : table(parameters) {}
+  explicit Resolver(const Table& parameters) : table(parameters)
+  {}
 
   double Resolve(const QString& root)
   {
