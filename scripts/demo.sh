@@ -4,4 +4,11 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 scripts/build.sh release orvex
-build/release/bin/orvex --help
+
+show() {
+  printf '\n$ orvex %s\n' "$*"
+  "build/release/bin/orvex" "$@"
+}
+
+show version
+show info --tree examples/gear-reducer.step

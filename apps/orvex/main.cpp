@@ -1,8 +1,6 @@
-#include <CLI/CLI.hpp>
+#include "commands/Commands.h"
 
 int main(int argc, char** argv)
 {
-  CLI::App app{"OrvexCoreGeometry on the command line"};
-  CLI11_PARSE(app, argc, argv);
-  return 0;
+  return Orvex::Cli::RunCommandLine(argc, argv, Orvex::Cli::AllCommands());
 }

@@ -1,0 +1,13 @@
+// The subcommands, each in a file of its own beside this one.
+#pragma once
+
+#include "frame/Command.h"
+
+namespace Orvex::Cli {
+
+std::span<const Command> AllCommands();
+
+Action DeclareInfo(CLI::App& options);
+Action DeclareVersion(CLI::App& options);
+
+} // namespace Orvex::Cli

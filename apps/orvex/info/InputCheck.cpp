@@ -1,0 +1,136 @@
+#include "info/InputCheck.h"
+
+#include "frame/Text.h"
+
+#include <QByteArray>
+
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Orvex::Cli {
+
+namespace {
+
+// A STEP file may begin with blank lines and comments; none seen has this much of them.
+constexpr std::size_t kBytesLookedAt = 16384;
+
+struct Signature
+{
+  qsizetype offset;
+  const char* bytes;
+  const char* meaning;
+};
+
+constexpr Signature kOtherFormats[] = {
+  {0, "\x89PNG", "a PNG image"},
+  {0, "\xff\xd8\xff", "a JPEG image"},
+  {0, "GIF8", "a GIF image"},
+  {0, "%PDF", "a PDF document"},
+  {0, "PK\x03\x04", "a ZIP archive (unpack it first)"},
+  {0, "\x1f\x8b", "gzip-compressed (unpack it first)"},
+  {0, "BZh", "bzip2-compressed (unpack it first)"},
+  {0,
+   "\xfd"
+   "7zXZ",
+   "xz-compressed (unpack it first)"},
+  {0,
+   "\x7f"
+   "ELF",
+   "a program"},
+  {0, "\xff\xfe", "UTF-16 text (save it as UTF-8)"},
+  {0, "\xfe\xff", "UTF-16 text (save it as UTF-8)"},
+  {0, "<?xml", "an XML file"},
+  {0, "<!DOCTYPE", "a web page"},
+  {0, "<html", "a web page"},
+  {0, "solid ", "an STL mesh"},
+  {0, "DBRep_DrawableShape", "a BRep file of the kernel"},
+  {0, "version https://git-lfs", "a Git LFS pointer (fetch the file itself)"},
+  {72, "S      1", "an IGES file"},
+};
+
+Failure Unreadable(const std::string& path, const QString& reason, const QString& advice = {})
+{
+  return {ExitCode::Unreadable, TextFromBytes(path), {}, reason, advice};
+}
+
+// A descriptor that closes itself.
+class OpenFile
+{
+public:
+  // Not blocking: opening a pipe that nobody writes to would wait for ever.
+  explicit OpenFile(const std::string& path)
+      : descriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK))
+  {}
+  ~OpenFile()
+  {
+    if (descriptor >= 0)
+      ::close(descriptor);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  const int descriptor;
+};
+
+QString ReasonOfErrno(int error)
+{
+  switch (error) {
+  case ENOENT:
+    return QStringLiteral("there is no such file");
+  case EACCES:
+    return QStringLiteral("no permission to read it");
+  default:
+    return QStringLiteral("cannot be opened: %1").arg(std::strerror(error));
+  }
+}
+
+QString WhatElseItIs(const QByteArray& head)
+{
+  for (const Signature& format : kOtherFormats)
+    if (head.mid(format.offset, qsizetype(std::strlen(format.bytes))) == format.bytes)
+      return QStringLiteral("not a STEP file, but %1").arg(format.meaning);
+  return QStringLiteral("not a STEP file: \"ISO-10303-21\" is missing at its start");
+}
+
+std::optional<QString> ProblemWithKind(const struct stat& status)
+{
+  if (S_ISDIR(status.st_mode))
+    return QStringLiteral("is a directory, not a file");
+  if (!S_ISREG(status.st_mode))
+    return QStringLiteral("is not an ordinary file");
+  if (status.st_size == 0)
+    return QStringLiteral("is empty");
+  return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Failure> CheckStepInput(const std::string& path)
+{
+  if (QString::fromStdString(path).toStdString() != path)
+    return Unreadable(path, QStringLiteral("the name of the file is not UTF-8"),
+                      QStringLiteral("rename it"));
+  const OpenFile file(path);
+  if (file.descriptor < 0)
+    return Unreadable(path, ReasonOfErrno(errno));
+  struct stat status
+  {};
+  if (::fstat(file.descriptor, &status) != 0)
+    return Unreadable(path, ReasonOfErrno(errno));
+  if (const auto problem = ProblemWithKind(status))
+    return Unreadable(path, *problem);
+  QByteArray head(kBytesLookedAt, '\0');
+  const ssize_t count = ::read(file.descriptor, head.data(), kBytesLookedAt);
+  if (count < 0)
+    return Unreadable(path, QStringLiteral("cannot be read: %1").arg(std::strerror(errno)));
+  head.truncate(count);
+  // The kernel also takes the bare word of drafts that came before the standard.
+  if (!head.contains("ISO-10303-21") && !head.contains("STEP;"))
+    return Unreadable(path, WhatElseItIs(head));
+  return std::nullopt;
+}
+
+} // namespace Orvex::Cli

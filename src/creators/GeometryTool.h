@@ -1,0 +1,16 @@
+// Export of a single shape.
+#pragma once
+
+#include "foundation/Export.h"
+
+#include <TopoDS_Shape.hxx>
+
+#include <string>
+
+class ORVEX_API GeometryTool
+{
+public:
+  // Writes an IGES file in millimetres. A null shape writes nothing; whether the file could be
+  // written is not reported.
+  static void SaveShapeToIgsFile(const std::string& path, const TopoDS_Shape& shape);
+};

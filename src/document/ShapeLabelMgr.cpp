@@ -1,0 +1,574 @@
+#include "document/ShapeLabelMgr.h"
+
+#include "document/LabelScheme.h"
+#include "document/ShapeDocMgr.h"
+#include "foundation/MessageLog.h"
+
+#include <BRepBndLib.hxx>
+#include <Standard_Failure.hxx>
+#include <TDF_LabelSequence.hxx>
+#include <TDataStd_Name.hxx>
+#include <XCAFDoc_DocumentTool.hxx>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// Parameters that follow a move of the whole shape.
+constexpr std::array kMovedPoints = {"Base Point"};
+
+TopoDS_Shape ShapeOn(const TDF_Label& label)
+{
+  return label.IsNull() ? TopoDS_Shape() : XCAFDoc_ShapeTool::GetShape(label);
+}
+
+std::vector<TDF_Label> ToVector(const TDF_LabelSequence& labels)
+{
+  return {labels.begin(), labels.end()};
+}
+
+TDF_Label FirstWithTag(const std::vector<TDF_Label>& labels, int tag)
+{
+  const auto found = std::find_if(labels.begin(), labels.end(),
+                                  [tag](const TDF_Label& label) { return label.Tag() == tag; });
+  return found == labels.end() ? TDF_Label() : *found;
+}
+
+std::vector<TDF_Label> SubShapeLabels(const TDF_Label& label)
+{
+  TDF_LabelSequence labels;
+  XCAFDoc_ShapeTool::GetSubShapes(label, labels);
+  return ToVector(labels);
+}
+
+std::vector<TDF_Label> ShapeLabelsOf(const Handle(XCAFDoc_ShapeTool) & tool)
+{
+  TDF_LabelSequence labels;
+  if (!tool.IsNull())
+    tool->GetShapes(labels);
+  return ToVector(labels);
+}
+
+std::vector<TopoDS_Shape> ShapesOf(const std::vector<TDF_Label>& labels)
+{
+  std::vector<TopoDS_Shape> shapes;
+  shapes.reserve(labels.size());
+  for (const TDF_Label& label : labels)
+    shapes.push_back(ShapeOn(label));
+  return shapes;
+}
+
+// Appends the shapes of the sub-shape labels to the entry of the label's shape, and returns those
+// labels for a walk that goes on below them.
+std::vector<TDF_Label> AppendSubShapes(const TDF_Label& label,
+                                       ShapeLabelMgr::SubShapeMap& subShapes)
+{
+  const TopoDS_Shape shape = ShapeOn(label);
+  if (shape.IsNull())
+    return {};
+  const std::vector<TDF_Label> children = SubShapeLabels(label);
+  auto& entry = subShapes[shape.TShape()];
+  for (const TDF_Label& child : children)
+    entry.push_back(ShapeOn(child));
+  return children;
+}
+
+// Runs an operation of the kernel; whatever it throws is logged under the operation's name and
+// answered by `fallback`.
+template <typename Result, typename Operation>
+Result Guarded(const char* name, Result fallback, Operation&& operation)
+{
+  try {
+    return operation();
+  } catch (const Standard_Failure& failure) {
+    MessageLog(Orvex::kLogWarning, "ShapeLabelMgr::%s OCC exception: %s", name,
+               failure.GetMessageString());
+  } catch (const std::exception& failure) {
+    MessageLog(Orvex::kLogWarning, "ShapeLabelMgr::%s std exception: %s", name, failure.what());
+  } catch (...) {
+    MessageLog(Orvex::kLogWarning, "ShapeLabelMgr::%s unknown exception", name);
+  }
+  return fallback;
+}
+
+// For the display mode, which must be read and written even if the log is out of order.
+void LogQuietly(int level, const std::string& text)
+{
+  try {
+    MessageLog(level, "%s", text.c_str());
+  } catch (...) {
+    // The caller's work does not depend on its log line.
+  }
+}
+
+std::string KeepAscii(const TCollection_ExtendedString& text)
+{
+  std::string kept;
+  for (int i = 1; i <= text.Length(); ++i)
+    if (text.Value(i) < 128)
+      kept.push_back(static_cast<char>(text.Value(i)));
+  return kept;
+}
+
+Handle(TDataStd_Name) TextAttribute(const TDF_Label& label)
+{
+  Handle(TDataStd_Name) name;
+  label.FindAttribute(TDataStd_Name::GetID(), name);
+  return name;
+}
+
+// A flag attribute of a shape; `fallback` if the list is missing.
+bool FlagOnChild(const TDF_Label& shapeLabel, int tag, bool fallback)
+{
+  return Orvex::FlagOf(shapeLabel.FindChild(tag)).value_or(fallback);
+}
+
+void SetFlagOnChild(const TDF_Label& shapeLabel, int tag, const char* name, bool value)
+{
+  const TDF_Label child = shapeLabel.FindChild(tag);
+  Orvex::EnsureName(child, name);
+  Orvex::SetFlag(child, value);
+}
+
+} // namespace
+
+ShapeLabelMgr* ShapeLabelMgr::m_Instance = nullptr;
+opencascade::handle<XCAFDoc_ShapeTool> ShapeLabelMgr::myAssembly;
+
+ShapeLabelMgr* ShapeLabelMgr::GetInstance()
+{
+  if (m_Instance == nullptr)
+    m_Instance = new ShapeLabelMgr();
+  return m_Instance;
+}
+
+const opencascade::handle<XCAFDoc_ShapeTool>& ShapeLabelMgr::FetchShapeTool()
+{
+  const auto doc = ShapeDocMgr::GetInstance()->GetDoc();
+  if (doc.IsNull())
+    myAssembly.Nullify();
+  else
+    myAssembly = XCAFDoc_DocumentTool::ShapeTool(doc->Main());
+  return myAssembly;
+}
+
+// --- Adding and connecting ---
+
+TDF_Label ShapeLabelMgr::AddNewShapeToDocAndGetLabel(opencascade::handle<TDocStd_Document> doc,
+                                                     const TopoDS_Shape& shape)
+{
+  if (doc.IsNull() || shape.IsNull())
+    return {};
+  myAssembly = XCAFDoc_DocumentTool::ShapeTool(doc->Main());
+  const TDF_Label label = myAssembly->NewShape();
+  myAssembly->SetShape(label, shape);
+  Orvex::ReserveAttributeTags(label);
+  return label;
+}
+
+void ShapeLabelMgr::AddNewShapeToDoc(opencascade::handle<TDocStd_Document> doc, TopoDS_Shape shape)
+{
+  AddNewShapeToDocAndGetLabel(doc, shape);
+}
+
+void ShapeLabelMgr::ConnectShapeAndLable(TopoDS_Shape& shape, TDF_Label label)
+{
+  if (FetchShapeTool().IsNull() || label.IsNull() || shape.IsNull())
+    return;
+  myAssembly->SetShape(label, shape);
+  if (!Orvex::ValidTypeOf(label))
+    Orvex::SetType(label, Orvex::kTypeCompound);
+}
+
+// --- Look-up ---
+
+TDF_Label ShapeLabelMgr::GetShapeLabel(TopoDS_Shape shape)
+{
+  return GetShapeLabel(&shape);
+}
+
+TDF_Label ShapeLabelMgr::GetShapeLabel(const TopoDS_Shape* shape)
+{
+  if (shape == nullptr || shape->IsNull() || FetchShapeTool().IsNull())
+    return {};
+  TDF_Label label = myAssembly->FindShape(*shape, false);
+  if (label.IsNull())
+    myAssembly->Search(*shape, label, true, true, true);
+  return label;
+}
+
+std::vector<TDF_Label> ShapeLabelMgr::GetShapeLabels(const std::vector<TopoDS_Shape>& shapes)
+{
+  std::vector<TDF_Label> labels;
+  labels.reserve(shapes.size());
+  for (const TopoDS_Shape& shape : shapes)
+    labels.push_back(GetShapeLabel(&shape));
+  return labels;
+}
+
+TDF_Label ShapeLabelMgr::GetShapeLabelWithFace(TopoDS_Shape& face)
+{
+  if (face.IsNull() || FetchShapeTool().IsNull())
+    return {};
+  const TDF_Label main = myAssembly->FindMainShape(face);
+  TDF_Label sub;
+  if (!main.IsNull())
+    myAssembly->FindSubShape(main, face, sub);
+  return sub;
+}
+
+bool ShapeLabelMgr::GetShapeLabelWithFaceTagID(TopoDS_Shape& face, int& shapeTag, int& faceTag)
+{
+  if (face.IsNull() || FetchShapeTool().IsNull())
+    return false;
+  const TDF_Label main = myAssembly->FindMainShape(face);
+  if (main.IsNull())
+    return false;
+  shapeTag = main.Tag();
+  TDF_Label sub;
+  if (!myAssembly->FindSubShape(main, face, sub))
+    return false;
+  faceTag = sub.Tag();
+  return true;
+}
+
+TopoDS_Shape ShapeLabelMgr::GetShapeByLabel(TDF_Label label)
+{
+  return Guarded("GetShapeByLabel", TopoDS_Shape(),
+                 [&] { return FetchShapeTool().IsNull() ? TopoDS_Shape() : ShapeOn(label); });
+}
+
+std::vector<TopoDS_Shape> ShapeLabelMgr::GetShapesByLabels(const std::vector<TDF_Label>& labels)
+{
+  std::vector<TopoDS_Shape> shapes;
+  shapes.reserve(labels.size());
+  for (const TDF_Label& label : labels)
+    shapes.push_back(GetShapeByLabel(label));
+  return shapes;
+}
+
+TopoDS_Shape ShapeLabelMgr::GetShapeByTag(int tag)
+{
+  return ShapeOn(FirstWithTag(GetAllShapeLabes(), tag));
+}
+
+TopoDS_Shape ShapeLabelMgr::GetSubShapeByTag(int shapeTag, int subShapeTag)
+{
+  const TDF_Label label = FirstWithTag(GetAllShapeLabes(), shapeTag);
+  return label.IsNull() ? TopoDS_Shape()
+                        : ShapeOn(FirstWithTag(SubShapeLabels(label), subShapeTag));
+}
+
+TopoDS_Shape ShapeLabelMgr::GetShapeByName(std::string& name)
+{
+  for (const TDF_Label& label : GetAllShapeLabes())
+    if (GetShapeNameByLabel(label) == name)
+      return GetShapeByLabel(label);
+  return {};
+}
+
+// --- Enumeration ---
+
+std::vector<TDF_Label> ShapeLabelMgr::GetAllShapeLabes()
+{
+  return ShapeLabelsOf(FetchShapeTool());
+}
+
+std::vector<TopoDS_Shape> ShapeLabelMgr::GetAllShapes(opencascade::handle<TDocStd_Document> doc)
+{
+  if (doc.IsNull())
+    return {};
+  return ShapesOf(ShapeLabelsOf(XCAFDoc_DocumentTool::ShapeTool(doc->Main())));
+}
+
+std::vector<TopoDS_Shape> ShapeLabelMgr::GetAllShapes()
+{
+  return ShapesOf(ShapeLabelsOf(FetchShapeTool()));
+}
+
+std::vector<TopoDS_Shape*> ShapeLabelMgr::GetAllShapesPtr()
+{
+  static std::vector<TopoDS_Shape> generations[2];
+  static int current = 0;
+  current = 1 - current;
+  generations[current] = GetAllShapes();
+
+  std::vector<TopoDS_Shape*> pointers;
+  pointers.reserve(generations[current].size());
+  for (TopoDS_Shape& shape : generations[current])
+    pointers.push_back(&shape);
+  return pointers;
+}
+
+std::vector<TopoDS_Shape> ShapeLabelMgr::GetAllSolidShapes()
+{
+  std::vector<TopoDS_Shape> shapes = GetAllShapes();
+  std::erase_if(shapes, [](const TopoDS_Shape& shape) {
+    return shape.IsNull() ||
+           (shape.ShapeType() != TopAbs_SOLID && shape.ShapeType() != TopAbs_COMPSOLID);
+  });
+  return shapes;
+}
+
+std::vector<std::string> ShapeLabelMgr::GetAllShapeNames()
+{
+  std::vector<std::string> names;
+  for (const TopoDS_Shape& shape : GetAllShapes())
+    names.push_back(GetShapeName(&shape));
+  return names;
+}
+
+Bnd_Box ShapeLabelMgr::GetAllBoundingBox()
+{
+  Bnd_Box box;
+  for (const TopoDS_Shape& shape : GetAllShapes())
+    BRepBndLib::Add(shape, box, true);
+  box.SetGap(0.0);
+  return box;
+}
+
+// --- Sub-shape trees ---
+
+void ShapeLabelMgr::GetSubshapNocursive(TDF_Label label, SubShapeMap& subShapes)
+{
+  AppendSubShapes(label, subShapes);
+}
+
+void ShapeLabelMgr::GetSubshapWithcursive(TDF_Label label, SubShapeMap& subShapes)
+{
+  for (const TDF_Label& child : AppendSubShapes(label, subShapes))
+    GetSubshapWithcursive(child, subShapes);
+}
+
+// --- Attributes ---
+
+std::string ShapeLabelMgr::GetShapeName(const TopoDS_Shape* shape)
+{
+  return GetShapeNameByLabel(GetShapeLabel(shape));
+}
+
+std::string ShapeLabelMgr::GetShapeNameByLabel(const TDF_Label& label)
+{
+  const auto name = Orvex::NameOf(label);
+  return name ? std::string(name->ToCString()) : std::string("Default_Name");
+}
+
+bool ShapeLabelMgr::SetShapeName(const TopoDS_Shape* shape, std::string& name)
+{
+  const TDF_Label label = GetShapeLabel(shape);
+  if (label.IsNull())
+    return false;
+  Orvex::SetName(label, name.c_str());
+  return true;
+}
+
+bool ShapeLabelMgr::GetShapeColor(TopoDS_Shape shape, double& red, double& green, double& blue)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return false;
+  const gp_Pnt color =
+    Orvex::PointOf(label.FindChild(Orvex::kColorTag)).value_or(Orvex::DefaultColor());
+  color.Coord(red, green, blue);
+  return true;
+}
+
+void ShapeLabelMgr::SetShapeColor(TopoDS_Shape shape, double& red, double& green, double& blue)
+{
+  for (double* component : {&red, &green, &blue})
+    *component = std::clamp(*component, 0.0, 1.0);
+  if (red >= 0.95 && green >= 0.95 && blue <= 0.15) {
+    red = 1.0;
+    green = 0.85;
+    blue = 0.0;
+  }
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return;
+  const TDF_Label child = label.FindChild(Orvex::kColorTag);
+  Orvex::EnsureName(child, Orvex::kColorName);
+  Orvex::SetPoint(child, gp_Pnt(red, green, blue));
+}
+
+double ShapeLabelMgr::GetShapeTransparent(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return Orvex::kOpaque;
+  if (const auto stored = Orvex::RealOf(label.FindChild(Orvex::kTransparentTag)))
+    return *stored;
+  SetShapeTransparent(shape, Orvex::kOpaque);
+  return Orvex::kOpaque;
+}
+
+void ShapeLabelMgr::SetShapeTransparent(TopoDS_Shape& shape, double transparent)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return;
+  const TDF_Label child = label.FindChild(Orvex::kTransparentTag);
+  Orvex::EnsureName(child, Orvex::kTransparentName);
+  Orvex::SetReal(child, transparent);
+}
+
+bool ShapeLabelMgr::GetShapeVisibilty(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  return !label.IsNull() && FlagOnChild(label, Orvex::kVisibilityTag, true);
+}
+
+void ShapeLabelMgr::SetShapeVisibilty(TopoDS_Shape& shape, bool visible)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (!label.IsNull())
+    SetFlagOnChild(label, Orvex::kVisibilityTag, Orvex::kVisibilityName, visible);
+}
+
+bool ShapeLabelMgr::GetIsShapeEnabled(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  return label.IsNull() || FlagOnChild(label, Orvex::kEnabledTag, true);
+}
+
+void ShapeLabelMgr::SetIsShapeEnabled(TopoDS_Shape& shape, bool enabled)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (!label.IsNull())
+    SetFlagOnChild(label, Orvex::kEnabledTag, Orvex::kEnabledName, enabled);
+}
+
+std::string ShapeLabelMgr::GetShapeDisplayMode(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull()) {
+    LogQuietly(Orvex::kLogWarning,
+               "GetShapeDisplayMode: inputLabel is null, defaulting to surface");
+    return Orvex::kSurfaceMode;
+  }
+  const TDF_Label child = label.FindChild(Orvex::kDisplayModeTag);
+  if (const auto mode = TextAttribute(child); !mode.IsNull()) {
+    std::string word = KeepAscii(mode->Get());
+    if (!word.empty())
+      return word;
+    LogQuietly(Orvex::kLogWarning,
+               "GetShapeDisplayMode: modeName found but empty after conversion! ExtStr length = " +
+                 std::to_string(mode->Get().Length()) + ". Falling back to BooleanList.");
+  }
+  if (const auto wireframe = Orvex::FlagOf(child)) {
+    const std::string word = *wireframe ? Orvex::kWireframeMode : Orvex::kSurfaceMode;
+    LogQuietly(Orvex::kLogInformation,
+               std::string("GetShapeDisplayMode: Using BooleanList fallback, isWireframe=") +
+                 (*wireframe ? "true" : "false") + ", returning: " + word);
+    return word;
+  }
+  LogQuietly(Orvex::kLogInformation,
+             "GetShapeDisplayMode: No DisplayMode attribute found, using default 'surface'");
+  return Orvex::kSurfaceMode;
+}
+
+void ShapeLabelMgr::SetShapeDisplayMode(TopoDS_Shape& shape, const std::string& mode)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull()) {
+    LogQuietly(Orvex::kLogWarning, "SetShapeDisplayMode: inputLabel is null, skipping update");
+    return;
+  }
+  std::string word = mode;
+  for (char& c : word)
+    if (c >= 'A' && c <= 'Z')
+      c = static_cast<char>(c - 'A' + 'a');
+  const TDF_Label child = label.FindChild(Orvex::kDisplayModeTag);
+  TDataStd_Name::Set(child, TCollection_ExtendedString(word.c_str(), true));
+  Orvex::SetFlag(child, word == Orvex::kWireframeMode);
+}
+
+bool ShapeLabelMgr::GetShapeIsWireFrameMode(TopoDS_Shape& shape)
+{
+  return GetShapeDisplayMode(shape) == Orvex::kWireframeMode;
+}
+
+void ShapeLabelMgr::SetShapeIsWireFrameMode(TopoDS_Shape& shape, bool wireframe)
+{
+  SetShapeDisplayMode(shape, wireframe ? Orvex::kWireframeMode : Orvex::kSurfaceMode);
+}
+
+std::string ShapeLabelMgr::GetShapeMaterial(TopoDS_Shape& shape)
+{
+  if (shape.IsNull())
+    return "No-Geometry";
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return "Not-Found";
+  const TDF_Label child = label.FindChild(Orvex::kMaterialTag);
+  if (child.IsNull())
+    return "No-Material-Prop";
+  const auto material = TextAttribute(child);
+  return material.IsNull() ? std::string()
+                           : std::string(TCollection_AsciiString(material->Get()).ToCString());
+}
+
+void ShapeLabelMgr::SetShapeMaterial(TopoDS_Shape& shape, std::string& material)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return;
+  if (const auto stored = TextAttribute(label.FindChild(Orvex::kMaterialTag)); !stored.IsNull())
+    stored->Set(TCollection_ExtendedString(material.c_str(), true));
+}
+
+bool ShapeLabelMgr::ShapeHasMaterial(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return false;
+  const auto material = TextAttribute(label.FindChild(Orvex::kMaterialTag));
+  return !material.IsNull() && !material->Get().IsEmpty() &&
+         !material->Get().IsEqual(TCollection_ExtendedString(Orvex::kNoMaterial));
+}
+
+std::string ShapeLabelMgr::GetMaterialByLabel(const TDF_Label&)
+{
+  return {};
+}
+
+int ShapeLabelMgr::GetPrimitiveType(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  if (label.IsNull())
+    return -1;
+  return Orvex::IntegerOf(label.FindChild(Orvex::kTypeTag)).value_or(0);
+}
+
+int ShapeLabelMgr::GetShapeElementID(TopoDS_Shape&)
+{
+  return 2;
+}
+
+// --- Removing and moving ---
+
+bool ShapeLabelMgr::RemoveShape(TopoDS_Shape& shape)
+{
+  const TDF_Label label = GetShapeLabel(&shape);
+  return !label.IsNull() && myAssembly->RemoveShape(label, true);
+}
+
+bool ShapeLabelMgr::RemoveShapeByLabel(TDF_Label& label)
+{
+  return Guarded("RemoveShapeByLabel", false, [&] {
+    return !label.IsNull() && !FetchShapeTool().IsNull() && myAssembly->RemoveShape(label, true);
+  });
+}
+
+void ShapeLabelMgr::UpdateTDFByMoveAction(TDF_Label& label, gp_Trsf trsf)
+{
+  if (label.IsNull())
+    return;
+  Orvex::VisitChildren(label, [&](const TDF_Label& child) {
+    const bool moved = std::any_of(kMovedPoints.begin(), kMovedPoints.end(),
+                                   [&](const char* name) { return Orvex::HasName(child, name); });
+    if (const auto point = Orvex::PointOf(child); moved && point)
+      Orvex::SetPoint(child, point->Transformed(trsf));
+    return false;
+  });
+}

@@ -1,0 +1,10 @@
+#include "foundation/LibraryVersion.h"
+
+namespace Orvex {
+
+const char* LibraryVersion()
+{
+  return ORVEX_VERSION;
+}
+
+} // namespace Orvex

@@ -1,0 +1,28 @@
+// Values of expressions, computed by the fparser library: arithmetic, comparisons, powers (^) and
+// its functions, angles in radians. A number is written with a point, whatever the locale.
+#pragma once
+
+#include "foundation/Export.h"
+
+#include <map>
+#include <string>
+
+class ORVEX_API ExpressionEngine
+{
+public:
+  // The parser descends once per level of brackets; deeper expressions are refused before they can
+  // exhaust the stack, as are texts longer than this.
+  static constexpr int kDeepestNesting = 500;
+  static constexpr std::size_t kLongestExpression = 1 << 20;
+
+  // Every call parses anew. The result is 0 until a value was computed, and holds it also when the
+  // call fails because of it.
+  // Returns: false for no variables at all (also for a constant expression), a syntax error, an
+  // error of evaluation as a division by zero, and a value that is not finite.
+  static bool TryCalculateExpress(const std::string& expression,
+                                  std::map<std::string, double>& variables, double& result);
+
+  // 0 on failure, which this form cannot tell from a true zero.
+  static double CalculateExpress(const std::string& expression,
+                                 std::map<std::string, double>& variables);
+};
