@@ -289,11 +289,11 @@ public:
     const auto parent = std::filesystem::path(folder.Path().toStdString()).parent_path();
     setenv("LOCPATH", parent.c_str(), 1);
     std::setlocale(LC_ALL, "de_DE.UTF-8");
+    unsetenv("LOCPATH");
   }
   ~CommaLocale()
   {
     std::setlocale(LC_ALL, earlier.c_str());
-    unsetenv("LOCPATH");
   }
   CommaLocale(const CommaLocale&) = delete;
   CommaLocale& operator=(const CommaLocale&) = delete;

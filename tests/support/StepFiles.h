@@ -14,10 +14,14 @@
 
 namespace OrvexTest {
 
+// Whether reading this file takes too long in this build: a sanitizer makes it ten times slower.
+bool IsTooLargeHere(const QString& path);
+
 // The path of a file in the folder that ORVEX_TEST_DATA names; empty if the variable is not set.
 QString DataFile(const std::string& name);
 
-// All files there that have the kernel's figures in the table of facts, in the table's order.
+// All files there that have the kernel's figures in the table of facts, in the table's order,
+// without those that are too large here.
 struct FileFacts
 {
   std::string file;

@@ -12,8 +12,11 @@ ImportDocument::ImportDocument(const char* format)
 ImportDocument::~ImportDocument()
 {
   try {
-    if (!document.IsNull())
-      XCAFApp_Application::GetApplication()->Close(document);
+    if (document.IsNull())
+      return;
+    // Layers and their shapes hold each other; closing alone would leave them in memory.
+    document->Main().Root().ForgetAllAttributes(true);
+    XCAFApp_Application::GetApplication()->Close(document);
   } catch (const Standard_Failure&) {
     // The document stays with the application; what was read is not touched by that.
   }
