@@ -22,7 +22,7 @@ ParameterField BoxLength(const char* name)
 }
 
 const std::array kFields = {
-  PointField("Base Point", ReadRule::Reference),
+  OriginField("Base Point", ReadRule::Reference),
   DirectionField("Normal"),
   BoxLength("Length"),
   BoxLength("Width"),

@@ -15,7 +15,7 @@ namespace {
 
 enum Field { kCenter, kRadius };
 
-const std::array kFields = {PointField("Base Point"), LengthField("Radius")};
+const std::array kFields = {OriginField("Base Point"), LengthField("Radius")};
 
 TopoDS_Shape Build(const ParameterSet& values)
 {

@@ -17,7 +17,7 @@ enum Field { kBasePoint, kBottomRadius, kTopRadius, kHeight, kAngle, kNormal };
 constexpr ValueRange kNotNegative{.from = 0.0};
 
 const std::array kFields = {
-  PointField("Base Point"),
+  OriginField("Base Point"),
   LengthField("Bottom Radius", ReadRule::Stored, kNotNegative),
   LengthField("Top Radius", ReadRule::Stored, kNotNegative),
   LengthField("Height"),

@@ -15,7 +15,7 @@ namespace {
 enum Field { kBasePoint, kNormal, kRadius, kHeight, kAngle };
 
 const std::array kFields = {
-  PointField("Base Point"),
+  OriginField("Base Point"),
   DirectionField("Normal"),
   LengthField("Bottom Radius", ReadRule::Reference),
   LengthField("Height", ReadRule::Reference),

@@ -15,7 +15,7 @@ namespace {
 
 enum Field { kCenter, kMajorRadius, kMinorRadius };
 
-const std::array kFields = {PointField("Base Point"), LengthField("MajorRadius"),
+const std::array kFields = {OriginField("Base Point"), LengthField("MajorRadius"),
                             LengthField("MinorRadius")};
 
 TopoDS_Shape Build(const ParameterSet& values)

@@ -29,6 +29,8 @@ TopoDS_Shape Build(const ParameterSet& values)
     ShowUserMessage("Error", "extrude face is NULL");
     return {};
   }
+  if (face.ShapeType() != TopAbs_FACE)
+    return {};
   BRepPrimAPI_MakePrism prism(face, gp_Vec(DirectionAt(values, kNormal)) * RealAt(values, kLength),
                               false, true);
   // The sweep of its own, whose Shape is not const.

@@ -12,7 +12,7 @@ namespace {
 enum Field { kNormal, kLength, kShape };
 
 const std::array kFields = {
-  ParameterField{.name = "Normal", .initial = gp_Vec()},
+  ParameterField{.name = "Normal", .initial = gp_Vec(), .preset = gp_Vec(0, 0, 1)},
   SweepField("Length", Unit::Length),
   ShapeField("ShapeToExtrude"),
 };

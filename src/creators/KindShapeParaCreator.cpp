@@ -194,6 +194,24 @@ ParameterSet KindShapeParaCreator::ReadParameters(const TDF_Label& label, Parame
   return defaults;
 }
 
+std::vector<Orvex::HeldParameter>
+KindShapeParaCreator::HeldParameters(const TDF_Label& label)
+{
+  std::vector<Orvex::HeldParameter> held;
+  VisitParameters(Kind(), label, [&](const TDF_Label& parameter, std::size_t index) {
+    ParameterField field = Kind().fields[index];
+    field.read = Orvex::ReadRule::Stored;
+    if (std::holds_alternative<gp_Dir>(field.initial))
+      field.initial = gp_Vec();
+    const auto reference = Orvex::ReferenceOf(parameter);
+    const bool list = std::holds_alternative<PointList>(field.initial);
+    held.push_back({&Kind().fields[index],
+                    Orvex::ReadParameter(*this, parameter, field, field.initial),
+                    reference && !list ? reference->ToCString() : ""});
+  });
+  return held;
+}
+
 void KindShapeParaCreator::StoreParameters(const TDF_Label& label, const ParameterSet& values)
 {
   EnsurePointList(Kind(), label);

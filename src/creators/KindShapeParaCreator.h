@@ -30,6 +30,9 @@ public:
   Orvex::ParameterSet ReadParameters(const TDF_Label& label, Orvex::ParameterSet defaults);
   Orvex::ParameterSet ReadParameters(const TDF_Label& label);
 
+  // What the label holds of the kind's parameters, in the order of their tags.
+  std::vector<Orvex::HeldParameter> HeldParameters(const TDF_Label& label);
+
   // Writes the values to the parameters that the label holds, under the kind's rules of storing.
   void StoreParameters(const TDF_Label& label, const Orvex::ParameterSet& values);
 

@@ -16,7 +16,7 @@ enum Field { kStart, kEnd };
 
 constexpr double kShortestLine = 1e-6;
 
-const std::array kFields = {PointField("Start Point"), PointField("End Point")};
+const std::array kFields = {OriginField("Start Point"), PointField("End Point")};
 
 TopoDS_Shape Build(const ParameterSet& values)
 {

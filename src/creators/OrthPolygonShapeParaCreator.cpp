@@ -16,7 +16,7 @@ namespace {
 enum Field { kCenter, kFirstVertex, kSides };
 
 const std::array kFields = {
-  PointField("Base Point"),
+  OriginField("Base Point"),
   PointField("End Point"),
   ParameterField{.name = "Number Polygon", .initial = 0, .range = {.from = 3, .to = 100000}},
 };

@@ -13,7 +13,7 @@ namespace {
 
 enum Field { kBasePoint, kLength, kWidth };
 
-const std::array kFields = {PointField("Base Point"), LengthField("Length"), LengthField("Width")};
+const std::array kFields = {OriginField("Base Point"), LengthField("Length"), LengthField("Width")};
 
 TopoDS_Shape Build(const ParameterSet& values)
 {

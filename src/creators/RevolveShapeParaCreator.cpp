@@ -16,9 +16,9 @@ namespace {
 enum Field { kBasePoint, kNormal, kAngle, kShape };
 
 const std::array kFields = {
-  PointField("Base Point"),
+  OriginField("Base Point"),
   DirectionField("Normal"),
-  SweepField("Angle", Unit::Radians),
+  SweepField("Angle", Unit::Radians, 2.0 * std::numbers::pi),
   ShapeField("ShapeToRevolve"),
 };
 

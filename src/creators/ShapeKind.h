@@ -14,6 +14,7 @@
 #include <gp_Vec.hxx>
 
 #include <limits>
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -68,6 +69,18 @@ struct ParameterField
   StoreRule store = StoreRule::Always;
   Unit unit = Unit::None;
   ValueRange range = {};
+  // What a form fills in for a new shape; none where only the user can know.
+  std::optional<ParameterValue> preset = std::nullopt;
+};
+
+// One parameter as a label holds it.
+struct HeldParameter
+{
+  const ParameterField* field;
+  // As stored, whatever the parameter follows; a direction as a vector, which may be zero.
+  ParameterValue value;
+  // What the parameter follows: a number or the name of a global parameter. Empty for nothing.
+  std::string reference;
 };
 
 // The values of one shape's parameters, in the order of the kind's fields.

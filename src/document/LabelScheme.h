@@ -79,17 +79,17 @@ enum PrimitiveType : int {
 };
 
 // The name of a label: its TDataStd_AsciiString. The setter creates the attribute if missing.
-std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label);
+ORVEX_API std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label);
 bool HasName(const TDF_Label& label, const TCollection_AsciiString& name);
 void SetName(const TDF_Label& label, const TCollection_AsciiString& name);
 void EnsureName(const TDF_Label& label, const TCollection_AsciiString& nameIfNone);
 
 // The value attributes. A getter gives nothing if the attribute is missing; for a flag also if its
 // list is empty. A setter creates the attribute if missing.
-std::optional<double> RealOf(const TDF_Label& label);
-std::optional<int> IntegerOf(const TDF_Label& label);
-std::optional<gp_Pnt> PointOf(const TDF_Label& label);
-std::optional<bool> FlagOf(const TDF_Label& label);
+ORVEX_API std::optional<double> RealOf(const TDF_Label& label);
+ORVEX_API std::optional<int> IntegerOf(const TDF_Label& label);
+ORVEX_API std::optional<gp_Pnt> PointOf(const TDF_Label& label);
+ORVEX_API std::optional<bool> FlagOf(const TDF_Label& label);
 void SetReal(const TDF_Label& label, double value);
 void SetInteger(const TDF_Label& label, int value);
 void SetPoint(const TDF_Label& label, const gp_Pnt& value);
@@ -97,10 +97,10 @@ void SetFlag(const TDF_Label& label, bool value);
 
 // A parameter bound to something else has exactly one child, whose name is the text of the
 // reference: a number or the name of a global parameter.
-std::optional<TCollection_AsciiString> ReferenceOf(const TDF_Label& parameter);
+ORVEX_API std::optional<TCollection_AsciiString> ReferenceOf(const TDF_Label& parameter);
 
 // The code on a valid type child: child 1 with the name "Type" and an integer.
-std::optional<int> ValidTypeOf(const TDF_Label& shapeLabel);
+ORVEX_API std::optional<int> ValidTypeOf(const TDF_Label& shapeLabel);
 
 // Writes the type child, creating what is missing, and reserves the attribute tags.
 void SetType(const TDF_Label& shapeLabel, int code);

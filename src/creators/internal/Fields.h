@@ -12,9 +12,17 @@ inline ParameterField PointField(const char* name, ReadRule read = ReadRule::Sto
   return {.name = name, .initial = gp_Pnt(), .read = read, .unit = Unit::Length};
 }
 
+// A point where a new shape stands at the origin unless told otherwise.
+inline ParameterField OriginField(const char* name, ReadRule read = ReadRule::Stored)
+{
+  ParameterField field = PointField(name, read);
+  field.preset = gp_Pnt();
+  return field;
+}
+
 inline ParameterField DirectionField(const char* name)
 {
-  return {.name = name, .initial = gp_Dir()};
+  return {.name = name, .initial = gp_Dir(), .preset = gp_Dir(0, 0, 1)};
 }
 
 // A length above zero, unless another range is given.
@@ -24,6 +32,7 @@ inline ParameterField LengthField(const char* name, ReadRule read = ReadRule::St
   return {.name = name, .initial = 0.0, .read = read, .unit = Unit::Length, .range = range};
 }
 
+// A new shape takes in as much of the turn as there is.
 inline ParameterField DegreesField(const char* name, double from, double to,
                                    ReadRule read = ReadRule::Stored)
 {
@@ -33,7 +42,8 @@ inline ParameterField DegreesField(const char* name, double from, double to,
           .initial = 0.0,
           .read = read,
           .unit = Unit::Degrees,
-          .range = {.from = from, .to = to, .fromExcluded = turn}};
+          .range = {.from = from, .to = to, .fromExcluded = turn},
+          .preset = from < 0.0 ? from : to};
 }
 
 inline double RealAt(const ParameterSet& values, int field)

@@ -9,13 +9,15 @@
 namespace Orvex {
 
 // A length or an angle of a sweep: a value that is not positive is refused with a message.
-inline ParameterField SweepField(const char* name, Unit unit)
+inline ParameterField SweepField(const char* name, Unit unit,
+                                 std::optional<ParameterValue> preset = std::nullopt)
 {
   return {.name = name,
           .initial = 0.0,
           .store = StoreRule::PositiveOrMessage,
           .unit = unit,
-          .range = {.from = 0.0, .fromExcluded = true}};
+          .range = {.from = 0.0, .fromExcluded = true},
+          .preset = std::move(preset)};
 }
 
 inline ParameterField ShapeField(const char* name)
