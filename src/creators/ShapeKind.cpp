@@ -30,7 +30,9 @@ namespace {
 std::string NumberText(double value)
 {
   char text[32];
-  return {text, std::to_chars(text, text + sizeof text, value).ptr};
+  constexpr int kDigits = 15;
+  return {text,
+          std::to_chars(text, text + sizeof text, value, std::chars_format::general, kDigits).ptr};
 }
 
 } // namespace

@@ -5,7 +5,8 @@ namespace Orvex::Cli {
 std::span<const Command> AllCommands()
 {
   static constexpr Command kCommands[] = {
-    {"info", "What is in a STEP file: structure, names, colours, counts, size", DeclareInfo},
+    {"info", "What is in a file: structure, names, colours, parameters, counts, size", DeclareInfo},
+    {"new", "Make a parametric shape and write it to a file", DeclareNew},
     {"version", "The versions of the library and of what it stands on", DeclareVersion},
   };
   return kCommands;

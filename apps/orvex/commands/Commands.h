@@ -8,6 +8,7 @@ namespace Orvex::Cli {
 std::span<const Command> AllCommands();
 
 Action DeclareInfo(CLI::App& options);
+Action DeclareNew(CLI::App& options);
 Action DeclareVersion(CLI::App& options);
 
 } // namespace Orvex::Cli

@@ -1,4 +1,4 @@
-// orvex info: what is in STEP files.
+// orvex info: what is in files of models.
 #include "commands/Commands.h"
 
 #include "frame/Interrupt.h"
@@ -6,13 +6,13 @@
 #include "frame/Worker.h"
 #include "info/InfoText.h"
 #include "info/InputCheck.h"
+#include "info/ModelInfo.h"
 #include "info/StepInfo.h"
 
 #include <CLI/CLI.hpp>
 #include <QJsonArray>
 
 #include <algorithm>
-#include <cstring>
 #include <memory>
 
 namespace Orvex::Cli {
@@ -33,30 +33,18 @@ struct InfoOptions
   double stallLimitSeconds = kStallLimitSeconds;
 };
 
-Failure FailureOfWorker(const WorkerReply& reply, const std::string& path,
-                        const InfoOptions& options)
+// A name that tells nothing is taken for a STEP file.
+FileFormat FormatOf(const std::string& path)
 {
-  Failure failure{ExitCode::Unreadable, TextFromBytes(path), {}, {}, {}};
-  switch (reply.end) {
-  case WorkerReply::End::Interrupted:
-    failure.code = ExitCode::Interrupted;
-    failure.reason = QStringLiteral("interrupted");
-    break;
-  case WorkerReply::End::TimeLimit:
-    failure.code = ExitCode::TimeLimit;
-    failure.reason = QStringLiteral("not read within %1 s").arg(options.read.timeLimitSeconds);
-    failure.advice = QStringLiteral("--time-limit allows more");
-    break;
-  case WorkerReply::End::Stalled:
-    failure.reason = QStringLiteral("the kernel got stuck on it: %1 s without progress")
-                       .arg(options.stallLimitSeconds);
-    failure.advice = QStringLiteral("--stall-limit allows more");
-    break;
-  default:
-    failure.reason = QStringLiteral("the kernel broke down while reading it: %1")
-                       .arg(reply.signal == 0 ? "the process ended" : ::strsignal(reply.signal));
-  }
-  return failure;
+  return FormatOfName(path).value_or(FileFormat::Step);
+}
+
+QJsonObject DescribeHere(const std::string& path, const StepInfoOptions& options,
+                         const ProgressSink& sink)
+{
+  const FileFormat format = FormatOf(path);
+  return format == FileFormat::Step ? DescribeStepFile(path, options, sink)
+                                    : DescribeModelFile(path, format, options.tree, sink);
 }
 
 QJsonObject DescribeIsolated(const std::string& path, const InfoOptions& options, Session& session,
@@ -66,25 +54,26 @@ QJsonObject DescribeIsolated(const std::string& path, const InfoOptions& options
     // The time is kept out here, where a kernel that hangs cannot stop the clock.
     StepInfoOptions read = options.read;
     read.timeLimitSeconds = 0.0;
-    return DescribeStepFile(path, read, sink);
+    return DescribeHere(path, read, sink);
   };
   const WorkerOptions limits{options.read.timeLimitSeconds, options.stallLimitSeconds,
                              session.Options().verbose};
   const WorkerReply reply = RunInWorker(job, limits, progress);
   if (reply.end == WorkerReply::End::Replied)
     return reply.value;
-  return FailedEntry(FailureOfWorker(reply, path, options));
+  return FailedEntry(
+    FailureOfWorker(reply, limits, {ExitCode::Unreadable, TextFromBytes(path), "read", "reading"}));
 }
 
 QJsonObject DescribeFile(const std::string& path, const InfoOptions& options, Session& session)
 {
-  if (const auto problem = CheckStepInput(path))
+  if (const auto problem = CheckInput(path, FormatOf(path)))
     return FailedEntry(*problem);
   ProgressDisplay progress(session.Streams(), session.Options(), TextFromBytes(path));
   if (!options.inProcess)
     return DescribeIsolated(path, options, session, progress);
-  return DescribeStepFile(path, options.read,
-                          [&progress](const ProgressStep& step) { progress.Show(step); });
+  return DescribeHere(path, options.read,
+                      [&progress](const ProgressStep& step) { progress.Show(step); });
 }
 
 void WarnOfLosses(const QJsonObject& entry, Session& session)
@@ -101,6 +90,19 @@ void WarnOfLosses(const QJsonObject& entry, Session& session)
                    .arg(losses.size() - shown));
 }
 
+void NoteOfRead(const QJsonObject& entry, Session& session)
+{
+  QString note =
+    QStringLiteral("%1: read in %2 s")
+      .arg(entry.value("file").toString(), Decimal(entry.value("seconds").toDouble()));
+  if (entry.contains("entities"))
+    note += QStringLiteral(", %1 entities of which %2 in error, %3 messages")
+              .arg(entry["entities"]["all"].toInt())
+              .arg(entry["entities"]["inError"].toInt())
+              .arg(entry.value("messages").toArray().size());
+  session.Note(note);
+}
+
 void Show(const QJsonObject& entry, Session& session)
 {
   if (HasFailed(entry)) {
@@ -113,11 +115,7 @@ void Show(const QJsonObject& entry, Session& session)
     session.Result(
       InfoText(entry, {session.Streams().ColouredResult(), session.Options().verbose}));
   WarnOfLosses(entry, session);
-  session.Note(QStringLiteral("%1: read in %2 s, %3 entities of which %4 in error, %5 messages")
-                 .arg(entry.value("file").toString(), Decimal(entry.value("seconds").toDouble()))
-                 .arg(entry["entities"]["all"].toInt())
-                 .arg(entry["entities"]["inError"].toInt())
-                 .arg(entry.value("messages").toArray().size()));
+  NoteOfRead(entry, session);
 }
 
 ExitCode CodeOf(const QJsonObject& entry)
@@ -162,7 +160,7 @@ ExitCode RunInfo(const InfoOptions& options, Session& session)
 Action DeclareInfo(CLI::App& app)
 {
   const auto options = std::make_shared<InfoOptions>();
-  app.add_option("FILE", options->files, "STEP files")->required();
+  app.add_option("FILE", options->files, "STEP, IGES and BRep files, binary documents")->required();
   app.add_flag("--tree", options->read.tree, "Show the product tree");
   app.add_flag("--plain", options->read.plain, "Read shapes and names only, no products, colours");
   app.add_flag("--in-process", options->inProcess,

@@ -68,4 +68,9 @@ QString Decimal(double value, int decimals)
   return text == QStringLiteral("-0") ? QStringLiteral("0") : text;
 }
 
+QString Number(double value)
+{
+  return QString::number(value == 0.0 ? 0.0 : value, 'g', 12);
+}
+
 } // namespace Orvex::Cli

@@ -20,4 +20,7 @@ QString TerminalText(const QString& text);
 // A number with the decimals given, trailing zeros and "-0" tidied away: 12.5, 200, 0.
 QString Decimal(double value, int decimals = 3);
 
+// A number of any size with twelve significant digits at most: 6000, 0.001, 1e+20.
+QString Number(double value);
+
 } // namespace Orvex::Cli

@@ -1,6 +1,5 @@
 #include "frame/Worker.h"
 
-#include "frame/Failure.h"
 #include "frame/Interrupt.h"
 
 #include <QJsonDocument>
@@ -214,6 +213,34 @@ WorkerReply RunInWorker(const WorkerJob& job, const WorkerOptions& options,
     progress.Tick();
   }
   return {End::Died, {}, worker.Wait()};
+}
+
+Failure FailureOfWorker(const WorkerReply& reply, const WorkerOptions& limits,
+                        const WorkerTask& task)
+{
+  Failure failure{task.code, task.subject, {}, {}, {}};
+  switch (reply.end) {
+  case WorkerReply::End::Interrupted:
+    failure.code = ExitCode::Interrupted;
+    failure.reason = QStringLiteral("interrupted");
+    break;
+  case WorkerReply::End::TimeLimit:
+    failure.code = ExitCode::TimeLimit;
+    failure.reason =
+      QStringLiteral("not %1 within %2 s").arg(task.done).arg(limits.timeLimitSeconds);
+    failure.advice = QStringLiteral("--time-limit allows more");
+    break;
+  case WorkerReply::End::Stalled:
+    failure.reason = QStringLiteral("the kernel got stuck on it: %1 s without progress")
+                       .arg(limits.stallLimitSeconds);
+    failure.advice = QStringLiteral("--stall-limit allows more");
+    break;
+  default:
+    failure.reason =
+      QStringLiteral("the kernel broke down while %1 it: %2")
+        .arg(task.doing, reply.signal == 0 ? "the process ended" : ::strsignal(reply.signal));
+  }
+  return failure;
 }
 
 } // namespace Orvex::Cli

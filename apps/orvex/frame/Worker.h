@@ -8,6 +8,7 @@
 // Requires: a caller that has no threads beside the one it calls on.
 #pragma once
 
+#include "frame/Failure.h"
 #include "frame/Progress.h"
 
 #include <QJsonObject>
@@ -39,5 +40,18 @@ struct WorkerOptions
 // Errors: a Failure when no process can be made.
 WorkerReply RunInWorker(const WorkerJob& job, const WorkerOptions& options,
                         ProgressDisplay& progress);
+
+// What the work was, for a line about its end.
+struct WorkerTask
+{
+  ExitCode code; // of work that the kernel did not survive
+  QString subject;
+  const char* done;  // "read"
+  const char* doing; // "reading"
+};
+
+// Requires: a worker that did not reply.
+Failure FailureOfWorker(const WorkerReply& reply, const WorkerOptions& limits,
+                        const WorkerTask& task);
 
 } // namespace Orvex::Cli

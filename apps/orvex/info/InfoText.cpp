@@ -1,6 +1,8 @@
 #include "info/InfoText.h"
 
 #include "frame/Text.h"
+#include "model/FileFormat.h"
+#include "model/ParameterRecord.h"
 
 #include <QJsonArray>
 #include <QStringList>
@@ -128,6 +130,14 @@ QString ColoursRow(const QJsonArray& colours, const TextStyle& style)
   return Row("colours", texts.isEmpty() ? QStringLiteral("none") : ShortList(texts, style));
 }
 
+QString NameOfItem(const QJsonValue& item)
+{
+  const QString name = TerminalText(item["name"].toString());
+  return name.isEmpty() && item["shape"].isString()
+           ? QStringLiteral("a %1 without a name").arg(item["shape"].toString())
+           : name;
+}
+
 // What there is, by name: the parts with their number of occurrences, or, where no product tree
 // was read, the shapes.
 QString NamesRow(const QJsonObject& entry, const TextStyle& style)
@@ -136,10 +146,51 @@ QString NamesRow(const QJsonObject& entry, const TextStyle& style)
   QStringList names;
   for (const QJsonValue& item : entry.value(hasParts ? "definitions" : "shapes").toArray()) {
     const int count = item["occurrences"].toInt(1);
-    const QString name = TerminalText(item["name"].toString());
+    const QString name = NameOfItem(item);
     names.append(count > 1 ? QStringLiteral("%1 ×%2").arg(name).arg(count) : name);
   }
   return Row(hasParts ? "parts" : "shapes", ShortList(names, style));
+}
+
+QString FormatText(const QString& word)
+{
+  for (const FileFormat format : {FileFormat::Brep, FileFormat::Iges, FileFormat::Document})
+    if (word == QLatin1String(FormatWord(format)))
+      return QLatin1String(FormatName(format));
+  return word;
+}
+
+QString FlagText(const QJsonObject& shape, const char* key, const char* yes, const char* no)
+{
+  const QJsonValue flag = shape.value(QLatin1String(key));
+  return flag.isBool() ? QLatin1String(flag.toBool() ? yes : no) : QString();
+}
+
+QString LabelledText(const QJsonObject& shape, const char* key)
+{
+  const QJsonValue value = shape.value(QLatin1String(key));
+  return value.isUndefined()
+           ? QString()
+           : QStringLiteral("%1 %2").arg(QLatin1String(key), TerminalText(ValueText(value)));
+}
+
+// A shape of a document that has more to it than a name.
+QString AttributesText(const QJsonObject& shape, const TextStyle& style)
+{
+  if (!shape.contains("kind"))
+    return {};
+  QStringList looks{Colour(shape.value("color").toString(), style),
+                    FlagText(shape, "visible", "visible", "hidden"),
+                    FlagText(shape, "enabled", "enabled", "disabled"),
+                    shape.value("displayMode").toString(),
+                    LabelledText(shape, "opacity"), LabelledText(shape, "material")};
+  looks.removeAll(QString());
+  return QStringLiteral("\n  %1  %2, %3, %4\n")
+           .arg(Bold(TerminalText(shape.value("name").toString()), style),
+                shape.value("kind").toString(), shape.value("shape").toString("no shape"),
+                shape.value("id").toString()) +
+         ParametersText(shape.value("parameters").toArray(), QStringLiteral("    ")) +
+         QStringLiteral("    ") + looks.join(QStringLiteral(", ")) + u'\n';
 }
 
 QString NodeText(const QJsonObject& node, bool repeated, const TextStyle& style)
@@ -215,7 +266,8 @@ QString InfoText(const QJsonObject& entry, const TextStyle& style)
 {
   const QJsonObject counts = entry.value("counts").toObject();
   QString text = Bold(TerminalText(entry.value("file").toString()), style) + u'\n';
-  text += Row("schema", TerminalText(entry.value("schema").toString()));
+  text += entry.contains("schema") ? Row("schema", TerminalText(entry.value("schema").toString()))
+                                   : Row("format", FormatText(entry.value("format").toString()));
   text += UnitRow(entry.value("unit").toObject());
   text += SizeRow(entry.value("box"));
   if (entry.contains("structure"))
@@ -227,6 +279,8 @@ QString InfoText(const QJsonObject& entry, const TextStyle& style)
   text += SurfacesRow(counts.value("surfaces").toObject());
   if (const qsizetype lost = entry.value("losses").toArray().size(); lost > 0)
     text += Row("lost", CountOf(int(lost), "solid or face", "solids and faces"));
+  for (const QJsonValue& shape : entry.value("shapes").toArray())
+    text += AttributesText(shape.toObject(), style);
   if (entry.contains("tree"))
     text += u'\n' + TreeText(entry.value("tree").toArray(), QStringLiteral("  "), style) +
             DefinitionsText(entry.value("definitions").toArray());

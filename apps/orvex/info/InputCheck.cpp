@@ -48,6 +48,7 @@ constexpr Signature kOtherFormats[] = {
   {0, "solid ", "an STL mesh"},
   {0, "DBRep_DrawableShape", "a BRep file of the kernel"},
   {0, "version https://git-lfs", "a Git LFS pointer (fetch the file itself)"},
+  {0, "BINFILE", "a binary document of the kernel"},
   {72, "S      1", "an IGES file"},
 };
 
@@ -87,12 +88,32 @@ QString ReasonOfErrno(int error)
   }
 }
 
-QString WhatElseItIs(const QByteArray& head)
+bool LooksLike(FileFormat format, const QByteArray& head)
 {
-  for (const Signature& format : kOtherFormats)
-    if (head.mid(format.offset, qsizetype(std::strlen(format.bytes))) == format.bytes)
-      return QStringLiteral("not a STEP file, but %1").arg(format.meaning);
-  return QStringLiteral("not a STEP file: \"ISO-10303-21\" is missing at its start");
+  switch (format) {
+  case FileFormat::Brep:
+    return head.contains("CASCADE Topology V");
+  case FileFormat::Iges:
+    return head.mid(72, 1) == "S";
+  case FileFormat::Document:
+    return head.startsWith("BINFILE");
+  default:
+    // The kernel also takes the bare word of drafts that came before the standard.
+    return head.contains("ISO-10303-21") || head.contains("STEP;");
+  }
+}
+
+QString WhatElseItIs(FileFormat format, const QByteArray& head)
+{
+  const QString negation = QStringLiteral("not a %1").arg(FormatName(format));
+  for (const Signature& other : kOtherFormats)
+    if (head.mid(other.offset, qsizetype(std::strlen(other.bytes))) == other.bytes)
+      return negation + QStringLiteral(", but %1").arg(other.meaning);
+  if (head.contains("ISO-10303-21"))
+    return negation + QStringLiteral(", but a STEP file");
+  return negation + (format == FileFormat::Step
+                       ? QStringLiteral(": \"ISO-10303-21\" is missing at its start")
+                       : QStringLiteral(": it does not begin like one"));
 }
 
 std::optional<QString> ProblemWithKind(const struct stat& status)
@@ -108,7 +129,7 @@ std::optional<QString> ProblemWithKind(const struct stat& status)
 
 } // namespace
 
-std::optional<Failure> CheckStepInput(const std::string& path)
+std::optional<Failure> CheckInput(const std::string& path, FileFormat format)
 {
   if (QString::fromStdString(path).toStdString() != path)
     return Unreadable(path, QStringLiteral("the name of the file is not UTF-8"),
@@ -127,9 +148,8 @@ std::optional<Failure> CheckStepInput(const std::string& path)
   if (count < 0)
     return Unreadable(path, QStringLiteral("cannot be read: %1").arg(std::strerror(errno)));
   head.truncate(count);
-  // The kernel also takes the bare word of drafts that came before the standard.
-  if (!head.contains("ISO-10303-21") && !head.contains("STEP;"))
-    return Unreadable(path, WhatElseItIs(head));
+  if (!LooksLike(format, head))
+    return Unreadable(path, WhatElseItIs(format, head));
   return std::nullopt;
 }
 

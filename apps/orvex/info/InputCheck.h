@@ -2,6 +2,7 @@
 #pragma once
 
 #include "frame/Failure.h"
+#include "model/FileFormat.h"
 
 #include <QString>
 
@@ -9,10 +10,10 @@
 
 namespace Orvex::Cli {
 
-// Looks whether a path names a STEP file that can be opened: it is there, an ordinary file,
-// readable, not empty, and its first bytes are those of a STEP file and not of something else.
+// Looks whether a path names a file of a format that can be opened: it is there, an ordinary file,
+// readable, not empty, and its first bytes are those of the format and not of something else.
 //
 // Returns: what is wrong, as a Failure with ExitCode::Unreadable; nothing for a file worth reading.
-std::optional<Failure> CheckStepInput(const std::string& path);
+std::optional<Failure> CheckInput(const std::string& path, FileFormat format);
 
 } // namespace Orvex::Cli

@@ -3,18 +3,16 @@
 #include "assembly/AssemblyTreeMgr.h"
 #include "frame/Interrupt.h"
 #include "frame/Text.h"
-#include "info/ShapeCounts.h"
 #include "info/TreeRecord.h"
+#include "model/FileFormat.h"
+#include "model/ShapeRecord.h"
 #include "step/CStepFileReader.h"
 
 #include <QFile>
 #include <QJsonArray>
-#include <Quantity_Color.hxx>
-#include <gp_Pnt.hxx>
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 
 namespace Orvex::Cli {
 
@@ -25,14 +23,6 @@ using Clock = std::chrono::steady_clock;
 double SecondsSince(Clock::time_point start)
 {
   return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-// A broken file can give anything, no number at all included: that becomes 0.
-QString Hex(double r, double g, double b)
-{
-  const auto inRange = [](double value) { return value > 0.0 ? std::min(value, 1.0) : 0.0; };
-  const Quantity_Color colour(inRange(r), inRange(g), inRange(b), Quantity_TOC_RGB);
-  return QString::fromLatin1(Quantity_Color::ColorToHex(colour).ToCString()).toLower();
 }
 
 QString EntityText(int id, const std::string& type)
@@ -134,45 +124,6 @@ void Read(CStepFileReader& reader, const std::string& path, const StepInfoOption
                   {}};
   if (!read)
     throw FailureOfRead(path, reader);
-}
-
-QJsonObject KindJson(const KindCount& count)
-{
-  return {{"expanded", count.expanded}, {"distinct", count.distinct}, {"free", count.free}};
-}
-
-QJsonObject CountsJson(const ShapeCounts& counts)
-{
-  QJsonObject surfaces;
-  for (const auto& [kind, count] : counts.surfaces)
-    surfaces.insert(TextFromBytes(kind), count);
-  return {{"solids", KindJson(counts.solids)},
-          {"shells", KindJson(counts.shells)},
-          {"faces", KindJson(counts.faces)},
-          {"wires", KindJson(counts.wires)},
-          {"edges", KindJson(counts.edges)},
-          {"vertices", KindJson(counts.vertices)},
-          {"surfaces", surfaces}};
-}
-
-QJsonArray PointJson(const gp_XYZ& point)
-{
-  return {point.X(), point.Y(), point.Z()};
-}
-
-// JSON knows neither infinities nor the results of computing with them.
-QJsonValue BoxJson(const Bnd_Box& box)
-{
-  if (box.IsVoid() || box.IsOpen())
-    return {};
-  const gp_XYZ low = box.CornerMin().XYZ();
-  const gp_XYZ high = box.CornerMax().XYZ();
-  if (!std::isfinite((high - low).Modulus()))
-    return {};
-  return QJsonObject{{"min", PointJson(low)},
-                     {"max", PointJson(high)},
-                     {"size", PointJson(high - low)},
-                     {"diagonal", (high - low).Modulus()}};
 }
 
 QJsonArray ColorsJson(const std::vector<StepColor>& colors)
@@ -288,6 +239,7 @@ QJsonObject Describe(const std::string& path, const StepInfoOptions& options,
 
   QJsonObject entry = ReportJson(report);
   entry.insert("file", TextFromBytes(path));
+  entry.insert("format", FormatWord(FileFormat::Step));
   entry.insert("status", report.losses.empty() ? "read" : "incomplete");
   entry.insert("reader", options.plain ? "plain" : "full");
   entry.insert("shapes", imported.json);
@@ -309,6 +261,16 @@ QJsonObject DescribeStepFile(const std::string& path, const StepInfoOptions& opt
   } catch (...) {
     return FailedEntry(FailureOfCurrentException(ExitCode::Unreadable, TextFromBytes(path)));
   }
+}
+
+std::vector<TopoDS_Shape> ReadStepShapes(const std::string& path)
+{
+  StepInfoOptions plain;
+  plain.plain = true;
+  CStepFileReader reader;
+  Read(
+    reader, path, plain, [](const ProgressStep&) {}, Clock::now());
+  return Collect(reader, true).shapes;
 }
 
 QJsonObject FailedEntry(const Failure& failure)

@@ -6,8 +6,10 @@
 #include "frame/Progress.h"
 
 #include <QJsonObject>
+#include <TopoDS_Shape.hxx>
 
 #include <string>
+#include <vector>
 
 namespace Orvex::Cli {
 
@@ -24,6 +26,10 @@ struct StepInfoOptions
 // Never throws. Looks at InterruptRequested while it runs.
 QJsonObject DescribeStepFile(const std::string& path, const StepInfoOptions& options,
                              const ProgressSink& progress);
+
+// The shapes alone, by the plain reader.
+// Errors: a Failure (ExitCode::Unreadable).
+std::vector<TopoDS_Shape> ReadStepShapes(const std::string& path);
 
 QJsonObject FailedEntry(const Failure& failure);
 bool HasFailed(const QJsonObject& entry);
