@@ -194,8 +194,7 @@ ParameterSet KindShapeParaCreator::ReadParameters(const TDF_Label& label, Parame
   return defaults;
 }
 
-std::vector<Orvex::HeldParameter>
-KindShapeParaCreator::HeldParameters(const TDF_Label& label)
+std::vector<Orvex::HeldParameter> KindShapeParaCreator::HeldParameters(const TDF_Label& label)
 {
   std::vector<Orvex::HeldParameter> held;
   VisitParameters(Kind(), label, [&](const TDF_Label& parameter, std::size_t index) {

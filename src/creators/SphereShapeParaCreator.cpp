@@ -14,7 +14,7 @@ namespace {
 enum Field { kBasePoint, kRadius, kAngle1, kAngle2, kAngle3 };
 
 const std::array kFields = {
-  OriginField("Base Point"),      LengthField("Radius"),          DegreesField("Angle1", -90, 0),
+  OriginField("Base Point"),     LengthField("Radius"),          DegreesField("Angle1", -90, 0),
   DegreesField("Angle2", 0, 90), DegreesField("Angle3", 0, 360),
 };
 

@@ -21,7 +21,7 @@ namespace {
 enum Field { kBasePoint, kMajorRadius, kMinorRadius, kAngle1, kAngle2, kAngle3 };
 
 const std::array kFields = {
-  OriginField("Base Point"),        LengthField("Bottom Radius"),   LengthField("Radius"),
+  OriginField("Base Point"),       LengthField("Bottom Radius"),   LengthField("Radius"),
   DegreesField("Angle1", -180, 0), DegreesField("Angle2", 0, 180), DegreesField("Angle3", 0, 360),
 };
 

@@ -92,9 +92,8 @@ void WarnOfLosses(const QJsonObject& entry, Session& session)
 
 void NoteOfRead(const QJsonObject& entry, Session& session)
 {
-  QString note =
-    QStringLiteral("%1: read in %2 s")
-      .arg(entry.value("file").toString(), Decimal(entry.value("seconds").toDouble()));
+  QString note = QStringLiteral("%1: read in %2 s")
+                   .arg(entry.value("file").toString(), Decimal(entry.value("seconds").toDouble()));
   if (entry.contains("entities"))
     note += QStringLiteral(", %1 entities of which %2 in error, %3 messages")
               .arg(entry["entities"]["all"].toInt())

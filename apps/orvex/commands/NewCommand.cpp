@@ -48,8 +48,10 @@ FileFormat OutputFormat(const std::string& path)
 {
   if (const auto format = FormatOfName(path))
     return *format;
-  throw Failure{ExitCode::Usage, TextFromBytes(path),
-                {},              QStringLiteral("the ending tells no format to write"),
+  throw Failure{ExitCode::Usage,
+                TextFromBytes(path),
+                {},
+                QStringLiteral("the ending tells no format to write"),
                 QStringLiteral("one of %1").arg(QLatin1String(kEndings))};
 }
 
@@ -59,8 +61,8 @@ QJsonObject Reply(const NewShape& wanted, const std::optional<WriteTarget>& targ
   try {
     return MakeShape(wanted, target);
   } catch (...) {
-    const Failure failure = FailureOfCurrentException(ExitCode::KernelFailure,
-                                                      TextFromBytes(wanted.kind->word));
+    const Failure failure =
+      FailureOfCurrentException(ExitCode::KernelFailure, TextFromBytes(wanted.kind->word));
     return {{"error", ToJson(failure)}, {"subject", failure.subject}};
   }
 }
@@ -141,9 +143,7 @@ Action DeclareNew(CLI::App& app)
   app.add_option("-o,--output", options->output, std::string("Write it: ") + kEndings)
     ->option_text("FILE");
   app.add_flag("--list", options->list, "Show the kinds and their parameters");
-  return [options](Session& session) {
-    return RunNew(*options, session);
-  };
+  return [options](Session& session) { return RunNew(*options, session); };
 }
 
 } // namespace Orvex::Cli

@@ -39,16 +39,16 @@ QString Column(const QJsonArray& rows, const QJsonValue& row, const char* key)
   qsizetype width = 0;
   for (const QJsonValue& other : rows)
     width = std::max(width, other[QLatin1String(key)].toString().size());
-  return width == 0 ? QString()
-                    : row[QLatin1String(key)].toString().leftJustified(width) +
-                        QStringLiteral("  ");
+  return width == 0
+           ? QString()
+           : row[QLatin1String(key)].toString().leftJustified(width) + QStringLiteral("  ");
 }
 
 QString FieldText(const QJsonArray& fields, const QJsonValue& field)
 {
   const QString range = field["range"]["text"].toString();
-  QString text = Column(fields, field, "name") + Column(fields, field, "type") +
-                 Column(fields, field, "unit");
+  QString text =
+    Column(fields, field, "name") + Column(fields, field, "type") + Column(fields, field, "unit");
   if (range != QStringLiteral("any"))
     text += range.leftJustified(12);
   if (const QJsonValue preset = field["default"]; !preset.isUndefined())

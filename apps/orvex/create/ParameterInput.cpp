@@ -143,11 +143,11 @@ ParameterValue ValueOf(const ShapeKind& kind, const ParameterField& field, const
   try {
     return std::visit(FromText{QByteArray::fromStdString(text), field.range}, field.initial);
   } catch (const NotOfType&) {
-    throw WrongValue(
-      kind, field, text,
-      QStringLiteral("is no %1").arg(std::holds_alternative<double>(field.initial)
-                                       ? QStringLiteral("number")
-                                       : TypeWord(field.initial)));
+    throw WrongValue(kind, field, text,
+                     QStringLiteral("is no %1")
+                       .arg(std::holds_alternative<double>(field.initial)
+                              ? QStringLiteral("number")
+                              : TypeWord(field.initial)));
   } catch (const OutOfRange&) {
     throw WrongValue(kind, field, text, QStringLiteral("is out of range"));
   }
@@ -183,8 +183,8 @@ QString KnownNames(const ShapeKind& kind)
 std::size_t FieldNamed(const ShapeKind& kind, const std::string& name)
 {
   const QString simple = Simplified(TextFromBytes(name));
-  const auto found = std::find_if(
-    kind.fields.begin(), kind.fields.end(), [&simple](const ParameterField& field) {
+  const auto found =
+    std::find_if(kind.fields.begin(), kind.fields.end(), [&simple](const ParameterField& field) {
       return Simplified(TextFromBytes(field.name)) == simple;
     });
   if (found == kind.fields.end())

@@ -9,10 +9,14 @@
 #include "model/ShapeFiles.h"
 #include "model/ShapeRecord.h"
 
-#include <QStringList>
+#include <BRepAdaptor_Curve.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepGProp.hxx>
+#include <GCPnts_AbscissaPoint.hxx>
 #include <GProp_GProps.hxx>
+#include <QStringList>
+#include <TopExp_Explorer.hxx>
+#include <TopoDS.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
 #include <cmath>
@@ -37,16 +41,25 @@ ParameterSet ValuesWithShapes(const NewShape& wanted)
   return values;
 }
 
+// Work of the kernel's that may throw.
+template <typename Work>
+auto OrRefused(const NewShape& wanted, const char* what, Work&& work)
+{
+  try {
+    return work();
+  } catch (const Failure&) {
+    throw;
+  } catch (...) {
+    throw Refused(wanted, QStringLiteral("%1: %2").arg(
+                            what, FailureOfCurrentException(ExitCode::KernelFailure).reason));
+  }
+}
+
 TDF_Label Create(const NewShape& wanted, const ParameterSet& values)
 {
   const std::unique_ptr<KindShapeParaCreator> creator(wanted.kind->make());
-  TDF_Label label;
-  try {
-    label = creator->CreateWith(values);
-  } catch (...) {
-    throw Refused(wanted, QStringLiteral("the kernel refuses these values: ") +
-                            FailureOfCurrentException(ExitCode::KernelFailure).reason);
-  }
+  const TDF_Label label = OrRefused(wanted, "the kernel refuses these values",
+                                    [&] { return creator->CreateWith(values); });
   if (label.IsNull())
     throw Refused(wanted, QStringLiteral("no such shape can be made"));
   return label;
@@ -56,26 +69,34 @@ TDF_Label Create(const NewShape& wanted, const ParameterSet& values)
 struct Measure
 {
   const char* name;
-  const char* unit;
   double value;
 };
 
+// Edge by edge: the kernel's integral over a whole shape is good to three digits only.
+double LengthOf(const TopoDS_Shape& shape)
+{
+  constexpr double kTolerance = 1e-7;
+  double length = 0.0;
+  for (TopExp_Explorer edges(shape, TopAbs_EDGE); edges.More(); edges.Next())
+    length +=
+      GCPnts_AbscissaPoint::Length(BRepAdaptor_Curve(TopoDS::Edge(edges.Current())), kTolerance);
+  return length;
+}
+
 std::vector<Measure> MeasuresOf(const TopoDS_Shape& shape, const ShapeCounts& counts)
 {
-  GProp_GProps volume, area, length;
+  GProp_GProps volume, area;
   std::vector<Measure> measures;
   if (counts.solids.expanded > 0) {
     BRepGProp::VolumeProperties(shape, volume);
-    measures.push_back({"volume", "mm³", volume.Mass()});
+    measures.push_back({"volume", volume.Mass()});
   }
   if (counts.faces.expanded > 0) {
     BRepGProp::SurfaceProperties(shape, area);
-    measures.push_back({"area", "mm²", area.Mass()});
+    measures.push_back({"area", area.Mass()});
   }
-  if (measures.empty()) {
-    BRepGProp::LinearProperties(shape, length);
-    measures.push_back({"length", "mm", length.Mass()});
-  }
+  if (measures.empty())
+    measures.push_back({"length", LengthOf(shape)});
   return measures;
 }
 
@@ -95,22 +116,29 @@ QJsonObject MeasuresJson(const std::vector<Measure>& measures)
   return json;
 }
 
-// The kernel makes shapes from some values that no operation can use afterwards.
-QJsonObject SoundRecord(const NewShape& wanted, const TopoDS_Shape& shape)
+QJsonObject MeasuredRecord(const NewShape& wanted, const TopoDS_Shape& shape)
 {
-  if (!BRepCheck_Analyzer(shape).IsValid())
-    throw Refused(wanted, QStringLiteral("the kernel makes a shape of these values that is not "
-                                         "valid (BRepCheck)"));
   const ShapeCounts counts = CountShapes({shape});
   const std::vector<Measure> measures = MeasuresOf(shape, counts);
   const QJsonValue box = BoxJson(counts.box);
   if (box.isNull() || !CanBeMeasured(measures))
-    throw Refused(wanted, QStringLiteral("the kernel makes a shape of these values that has no "
-                                         "size or no end"));
+    throw Refused(wanted, QStringLiteral("what the kernel makes of these values has no size or no "
+                                         "end"));
   return {{"shape", ShapeWord(shape)},
           {"measures", MeasuresJson(measures)},
           {"counts", CountsJson(counts)},
           {"box", box}};
+}
+
+// The kernel makes shapes from some values that no operation can use afterwards.
+QJsonObject SoundRecord(const NewShape& wanted, const TopoDS_Shape& shape)
+{
+  return OrRefused(wanted, "the kernel cannot measure what it makes of these values", [&] {
+    if (!BRepCheck_Analyzer(shape).IsValid())
+      throw Refused(wanted, QStringLiteral("what the kernel makes of these values is not valid "
+                                           "(BRepCheck)"));
+    return MeasuredRecord(wanted, shape);
+  });
 }
 
 void Write(const TDF_Label& label, const WriteTarget& target)
@@ -167,10 +195,9 @@ QJsonObject MakeShape(const NewShape& wanted, const std::optional<WriteTarget>& 
 QString MadeText(const QJsonObject& made)
 {
   const QJsonValue box = made.value("box");
-  QString text =
-    QStringLiteral("%1 \"%2\": %3\n")
-      .arg(made.value("kind").toString(), TerminalText(made.value("name").toString()),
-           made.value("shape").toString());
+  QString text = QStringLiteral("%1 \"%2\": %3\n")
+                   .arg(made.value("kind").toString(), TerminalText(made.value("name").toString()),
+                        made.value("shape").toString());
   text += ParametersText(made.value("parameters").toArray(), QStringLiteral("    "));
   text += MeasureRows(made.value("measures").toObject());
   text += QStringLiteral("  box        %1 to %2 mm\n").arg(Corner(box["min"]), Corner(box["max"]));

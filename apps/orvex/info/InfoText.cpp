@@ -183,7 +183,8 @@ QString AttributesText(const QJsonObject& shape, const TextStyle& style)
                     FlagText(shape, "visible", "visible", "hidden"),
                     FlagText(shape, "enabled", "enabled", "disabled"),
                     shape.value("displayMode").toString(),
-                    LabelledText(shape, "opacity"), LabelledText(shape, "material")};
+                    LabelledText(shape, "opacity"),
+                    LabelledText(shape, "material")};
   looks.removeAll(QString());
   return QStringLiteral("\n  %1  %2, %3, %4\n")
            .arg(Bold(TerminalText(shape.value("name").toString()), style),

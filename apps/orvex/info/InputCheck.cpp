@@ -3,7 +3,9 @@
 #include "frame/Text.h"
 
 #include <QByteArray>
+#include <QRegularExpression>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -50,6 +52,7 @@ constexpr Signature kOtherFormats[] = {
   {0, "version https://git-lfs", "a Git LFS pointer (fetch the file itself)"},
   {0, "BINFILE", "a binary document of the kernel"},
   {72, "S      1", "an IGES file"},
+  {72, "S0000001", "an IGES file"},
 };
 
 Failure Unreadable(const std::string& path, const QString& reason, const QString& advice = {})
@@ -116,6 +119,19 @@ QString WhatElseItIs(FileFormat format, const QByteArray& head)
                        : QStringLiteral(": it does not begin like one"));
 }
 
+// The kernel loops for ever over a BRep file whose end is missing. The end is a line with the
+// orientation and number of the last shape, and its location: "+1 0".
+bool BrepEndIsMissing(int descriptor, off_t size)
+{
+  constexpr off_t kTailBytes = 256;
+  QByteArray tail(kTailBytes, '\0');
+  const ssize_t count =
+    ::pread(descriptor, tail.data(), kTailBytes, std::max<off_t>(0, size - kTailBytes));
+  tail.truncate(std::max<ssize_t>(0, count));
+  static const QRegularExpression lastLine(QStringLiteral("\n[-+ie]\\d+ \\d+\\s*(\n|$)"));
+  return !QString::fromLatin1(tail).contains(lastLine);
+}
+
 std::optional<QString> ProblemWithKind(const struct stat& status)
 {
   if (S_ISDIR(status.st_mode))
@@ -150,6 +166,8 @@ std::optional<Failure> CheckInput(const std::string& path, FileFormat format)
   head.truncate(count);
   if (!LooksLike(format, head))
     return Unreadable(path, WhatElseItIs(format, head));
+  if (format == FileFormat::Brep && BrepEndIsMissing(file.descriptor, status.st_size))
+    return Unreadable(path, QStringLiteral("its end is missing: it seems to be cut off"));
   return std::nullopt;
 }
 

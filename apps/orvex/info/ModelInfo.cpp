@@ -92,14 +92,18 @@ QJsonObject StructureJson(const TDF_LabelSequence& all, int freeShapes, const Tr
   int assemblies = 0;
   for (const TDF_Label& label : all)
     assemblies += XCAFDoc_ShapeTool::IsAssembly(label) ? 1 : 0;
-  return {{"freeShapes", freeShapes},          {"assemblies", assemblies},
-          {"parts", all.Length() - assemblies}, {"occurrences", tree.occurrences},
-          {"leaves", tree.leaves},              {"depth", tree.depth}};
+  return {{"freeShapes", freeShapes},
+          {"assemblies", assemblies},
+          {"parts", all.Length() - assemblies},
+          {"occurrences", tree.occurrences},
+          {"leaves", tree.leaves},
+          {"depth", tree.depth}};
 }
 
 ReadModel FromDocument(const std::string& path, bool withTree)
 {
-  const Handle(TDocStd_Document) document = OpenDocument(path);
+  const OpenDocument opened(path);
+  const Handle(TDocStd_Document)& document = opened.Get();
   const auto shapeTool = XCAFDoc_DocumentTool::ShapeTool(document->Main());
   TDF_LabelSequence all, free;
   shapeTool->GetShapes(all);
@@ -150,9 +154,8 @@ QJsonObject Describe(const std::string& path, FileFormat format, bool withTree,
   entry.insert("status", "read");
   entry.insert("counts", CountsJson(counts));
   entry.insert("box", BoxJson(counts.box));
-  entry.insert(
-    "seconds",
-    std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+  entry.insert("seconds",
+               std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
   return entry;
 }
 

@@ -29,11 +29,17 @@ ShapeMap Unplaced(const ShapeMap& shapes)
   return found;
 }
 
+ShapeMap PartsOf(const ShapeMap& larger, TopAbs_ShapeEnum kind)
+{
+  ShapeMap parts;
+  for (int i = 1; i <= larger.Extent(); ++i)
+    TopExp::MapShapes(larger(i), kind, parts);
+  return parts;
+}
+
 KindCount Count(const ShapeMap& ofKind, TopAbs_ShapeEnum kind, const ShapeMap& larger)
 {
-  ShapeMap owned;
-  for (int i = 1; i <= larger.Extent(); ++i)
-    TopExp::MapShapes(larger(i), kind, owned);
+  const ShapeMap owned = PartsOf(larger, kind);
   return {ofKind.Extent(), Unplaced(ofKind).Extent(), ofKind.Extent() - owned.Extent()};
 }
 
@@ -76,6 +82,42 @@ std::map<std::string, int> CountSurfaces(const ShapeMap& faces)
   return counts;
 }
 
+// The kernel's quick box of such a face is flat.
+bool IsTorusFromBelowZero(const TopoDS_Face& face)
+{
+  if (BRep_Tool::Surface(face).IsNull())
+    return false;
+  const BRepAdaptor_Surface surface(face, true);
+  return surface.GetType() == GeomAbs_Torus && surface.FirstVParameter() < 0.0;
+}
+
+void AddFace(const TopoDS_Face& face, Bnd_Box& box)
+{
+  if (IsTorusFromBelowZero(face))
+    BRepBndLib::AddOptimal(face, box, false, true);
+  else
+    BRepBndLib::Add(face, box, false);
+}
+
+void AddUnlessPart(const ShapeMap& shapes, TopAbs_ShapeEnum kind, const ShapeMap& larger,
+                   Bnd_Box& box)
+{
+  const ShapeMap owned = PartsOf(larger, kind);
+  for (int i = 1; i <= shapes.Extent(); ++i)
+    if (!owned.Contains(shapes(i)))
+      BRepBndLib::Add(shapes(i), box, false);
+}
+
+Bnd_Box BoxOf(const ShapeMap& faces, const ShapeMap& edges, const ShapeMap& vertices)
+{
+  Bnd_Box box;
+  for (int i = 1; i <= faces.Extent(); ++i)
+    AddFace(TopoDS::Face(faces(i)), box);
+  AddUnlessPart(edges, TopAbs_EDGE, faces, box);
+  AddUnlessPart(vertices, TopAbs_VERTEX, edges, box);
+  return box;
+}
+
 } // namespace
 
 ShapeCounts CountShapes(const std::vector<TopoDS_Shape>& shapes)
@@ -95,8 +137,7 @@ ShapeCounts CountShapes(const std::vector<TopoDS_Shape>& shapes)
   counts.edges = Count(edges, TopAbs_EDGE, faces);
   counts.vertices = Count(vertices, TopAbs_VERTEX, edges);
   counts.surfaces = CountSurfaces(faces);
-  for (const TopoDS_Shape& shape : shapes)
-    BRepBndLib::Add(shape, counts.box, false);
+  counts.box = BoxOf(faces, edges, vertices);
   return counts;
 }
 

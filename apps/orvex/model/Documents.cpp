@@ -33,6 +33,7 @@ QString ReasonOf(PCDM_ReaderStatus status)
   case PCDM_RS_FormatFailure:
   case PCDM_RS_ReaderException:
   case PCDM_RS_MakeFailure:
+  case PCDM_RS_DriverFailure:
     return QStringLiteral("it is damaged or cut off");
   case PCDM_RS_WrongResource:
   case PCDM_RS_NoDriver:
@@ -55,13 +56,21 @@ Handle(TDocStd_Document) NewDocument()
   return document;
 }
 
-Handle(TDocStd_Document) OpenDocument(const std::string& path)
+OpenDocument::OpenDocument(const std::string& path)
 {
-  Handle(TDocStd_Document) document;
   const PCDM_ReaderStatus status =
     Application()->Open(TCollection_ExtendedString(path.c_str(), true), document);
   if (status != PCDM_RS_OK)
     throw Failure{ExitCode::Unreadable, TextFromBytes(path), {}, ReasonOf(status), {}};
+}
+
+OpenDocument::~OpenDocument()
+{
+  Application()->Close(document);
+}
+
+const Handle(TDocStd_Document) & OpenDocument::Get() const
+{
   return document;
 }
 

@@ -10,8 +10,21 @@ namespace Orvex::Cli {
 // An empty document, which is the current one from then on.
 Handle(TDocStd_Document) NewDocument();
 
-// Errors: a Failure (ExitCode::Unreadable) for a file that the kernel does not take.
-Handle(TDocStd_Document) OpenDocument(const std::string& path);
+// A document from a file, closed at the end of the scope: the kernel opens no file twice.
+class OpenDocument
+{
+public:
+  // Errors: a Failure (ExitCode::Unreadable) for a file that the kernel does not take.
+  explicit OpenDocument(const std::string& path);
+  ~OpenDocument();
+  OpenDocument(const OpenDocument&) = delete;
+  OpenDocument& operator=(const OpenDocument&) = delete;
+
+  const Handle(TDocStd_Document) & Get() const;
+
+private:
+  Handle(TDocStd_Document) document;
+};
 
 // Returns: false when the kernel does not manage to.
 bool SaveDocument(const Handle(TDocStd_Document) & document, const std::string& path);

@@ -22,13 +22,13 @@ struct TypeRow
 
 // In the order of the alternatives of ParameterValue.
 constexpr std::array kTypes = {
-  TypeRow{"point", "x,y,z"},
-  TypeRow{"direction", "x,y,z, not 0,0,0"},
-  TypeRow{"vector", "x,y,z, not 0,0,0"},
+  TypeRow{"point", "finite x,y,z"},
+  TypeRow{"direction", "finite x,y,z, not 0,0,0"},
+  TypeRow{"vector", "finite x,y,z, not 0,0,0"},
   TypeRow{"real", "a number"},
   TypeRow{"integer", "a whole number"},
   TypeRow{"shape", "path of a .brep or .step file"},
-  TypeRow{"points", "x,y,z;x,y,z;..."},
+  TypeRow{"points", "finite x,y,z;x,y,z;..."},
 };
 static_assert(kTypes.size() == std::variant_size_v<ParameterValue>);
 

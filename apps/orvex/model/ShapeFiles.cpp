@@ -43,7 +43,8 @@ TopoDS_Shape Joined(const std::vector<TopoDS_Shape>& shapes)
 bool OnlyWraps(const TopoDS_Shape& shape)
 {
   const TopAbs_ShapeEnum type = shape.ShapeType();
-  const bool container = type == TopAbs_COMPOUND || type == TopAbs_COMPSOLID || type == TopAbs_SHELL;
+  const bool container =
+    type == TopAbs_COMPOUND || type == TopAbs_COMPSOLID || type == TopAbs_SHELL;
   return container && shape.NbChildren() == 1;
 }
 
