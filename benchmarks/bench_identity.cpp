@@ -10,8 +10,8 @@
 #include <TDF_TagSource.hxx>
 #include <TDataStd_AsciiString.hxx>
 #include <TNaming_Builder.hxx>
-#include <XCAFApp_Application.hxx>
 #include <TopoDS_Vertex.hxx>
+#include <XCAFApp_Application.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 
 #include <benchmark/benchmark.h>
@@ -44,7 +44,10 @@ public:
     Application()->NewDocument("BinXCAF", document);
     MakeCurrent();
   }
-  ~FreshDocument() { Close(); }
+  ~FreshDocument()
+  {
+    Close();
+  }
   FreshDocument(const FreshDocument&) = delete;
   FreshDocument& operator=(const FreshDocument&) = delete;
 
@@ -58,10 +61,16 @@ public:
     std::filesystem::remove(path);
   }
 
-  TDF_Label Root() const { return document->Main().FindChild(1); }
+  TDF_Label Root() const
+  {
+    return document->Main().FindChild(1);
+  }
 
 private:
-  void MakeCurrent() { ShapeDocMgr::GetInstance()->SetDoc(document); }
+  void MakeCurrent()
+  {
+    ShapeDocMgr::GetInstance()->SetDoc(document);
+  }
   void Close()
   {
     ShapeDocMgr::GetInstance()->SetDoc(nullptr);
@@ -95,8 +104,8 @@ void Measure(benchmark::State& state, Prepare&& prepare, Work&& work)
     total += seconds;
   }
   state.SetComplexityN(state.range(0));
-  state.counters["us_per_shape"] = total * 1e6 / static_cast<double>(state.iterations())
-                                   / static_cast<double>(state.range(0));
+  state.counters["us_per_shape"] =
+    total * 1e6 / static_cast<double>(state.iterations()) / static_cast<double>(state.range(0));
 }
 
 void Register(FreshDocument&, const std::vector<TopoDS_Shape>& shapes)

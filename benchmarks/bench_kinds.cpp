@@ -1,5 +1,6 @@
-// Rebuilding each kind of shape from its label, against the bare kernel's part of the work: the same
-// builder and the same SetShape on the same label. Prints microseconds of overhead and the ratio.
+// Rebuilding each kind of shape from its label, against the bare kernel's part of the work: the
+// same builder and the same SetShape on the same label. Prints microseconds of overhead and the
+// ratio.
 
 #include "creators/KindShapeParaCreator.h"
 #include "document/ShapeDocMgr.h"
@@ -56,8 +57,7 @@ ParameterSet ValuesOf(const std::string& word)
 // One shape of a kind in a document of its own.
 struct Subject
 {
-  explicit Subject(const ShapeKind& kind)
-      : creator(kind.make()), values(ValuesOf(kind.word))
+  explicit Subject(const ShapeKind& kind) : creator(kind.make()), values(ValuesOf(kind.word))
   {
     XCAFApp_Application::GetApplication()->NewDocument("MDTV-XCAF", document);
     ShapeDocMgr::GetInstance()->SetDoc(document);
@@ -114,8 +114,8 @@ int main(int argc, char** argv)
   for (const ShapeKind* kind : Orvex::ShapeKinds()) {
     const std::string word = kind->word;
     // The revolve's source grows with every rebuild, in the kernel too: a fixed count is fair.
-    for (const auto& [name, work] : {std::pair("Kernel/" + word, &Kernel),
-                                     std::pair("Rebuild/" + word, &Rebuild)})
+    for (const auto& [name, work] :
+         {std::pair("Kernel/" + word, &Kernel), std::pair("Rebuild/" + word, &Rebuild)})
       benchmark::RegisterBenchmark(name.c_str(), work, kind)
         ->Iterations(word == "Torus" ? 50 : 500)
         ->Unit(benchmark::kMicrosecond);

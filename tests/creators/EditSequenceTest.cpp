@@ -1,11 +1,11 @@
 // Undo and redo over a long random sequence of edits, each one command: they bring back, label for
 // label, what stood in the document, and a replay from nothing ends in the same document.
 
-#include "creators/ShapeBuilder.h"
 #include "creators/BezierShapeParaCreator.h"
 #include "creators/BoxShapeParaCreator.h"
 #include "creators/CircleShapeParaCreator.h"
 #include "creators/CylinderShapeParaCreator.h"
+#include "creators/ShapeBuilder.h"
 #include "document/LabelScheme.h"
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
@@ -26,7 +26,8 @@ constexpr std::size_t kMostShapes = 12;
 class Editor
 {
 public:
-  explicit Editor(std::uint64_t seed) : random(seed) {}
+  explicit Editor(std::uint64_t seed) : random(seed)
+  {}
 
   // One edit of the current document, in one command.
   void Step()
@@ -41,7 +42,10 @@ public:
   }
 
 private:
-  gp_Pnt Point() { return {random.Real(-9, 9), random.Real(-9, 9), random.Real(-9, 9)}; }
+  gp_Pnt Point()
+  {
+    return {random.Real(-9, 9), random.Real(-9, 9), random.Real(-9, 9)};
+  }
 
   // The running number of names goes on through the process; the test's own names start anew.
   void Name(const TDF_Label& label)
