@@ -17,6 +17,8 @@ public:
   TDF_Label CreateTorous(const gp_Pnt& center, double& majorRadius, double& minorRadius,
                          double& angle1, double& angle2, double& angle3);
 
+  using BaseShapeParaCreator::ValidateParameters;
+
   // Whether the values give a torus; if not, why, in `error` unless that is null.
   static bool ValidateParameters(double majorRadius, double minorRadius, double angle1,
                                  double angle2, double angle3, std::string* error);
@@ -27,7 +29,4 @@ public:
                          double& angle1, double& angle2, double& angle3);
 
   const Orvex::ShapeKind& Kind() const override;
-
-private:
-  using BaseShapeParaCreator::ValidateParameters;
 };

@@ -33,6 +33,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <numbers>
 
 using namespace OrvexTest;
@@ -306,6 +307,40 @@ TEST_F(KindDetails, ExtrudeScalesTheCallersVectorAndKeepsItsSource)
   gp_Vec none;
   EXPECT_THROW(extrude.CreateExtrude(source, none, length), Standard_Failure);
   EXPECT_TRUE(extrude.CreateExtrude(TopoDS_Shape(), vector, length).IsNull());
+}
+
+TEST_F(KindDetails, TheParameterThatHoldsASourceIsNoLabelOfAShape)
+{
+  auto* registry = ShapeLabelMgr::GetInstance();
+  ExtrudeShapeParaCreator extrude;
+  gp_Vec up(0, 0, 1);
+  double length = 2;
+  TopoDS_Shape source = UnitSquare(); // not registered; the prism shares it as its base
+  TDF_Label label = extrude.CreateExtrude(source, up, length);
+  std::string name = "base";
+  EXPECT_FALSE(registry->SetShapeName(&source, name));
+  EXPECT_TRUE(registry->GetShapeLabel(source).IsNull());
+  EXPECT_TRUE(registry->GetShapeLabelWithFace(source).IsNull());
+  EXPECT_TRUE(registry->GetSubShapeByTag(label.Tag(), 11).IsNull());
+  ShapeLabelMgr::SubShapeMap tree;
+  registry->GetSubshapWithcursive(label, tree);
+  EXPECT_TRUE(tree[ShapeOn(label).TShape()].empty());
+  Orvex::SetReal(Child(label, "Length"), 7);
+  extrude.UpdateShape(label);
+  EXPECT_NEAR(VolumeOf(ShapeOn(label)), 7, 1e-9);
+}
+
+TEST_F(KindDetails, ANullLabelIsNoShapeOfAnyKind)
+{
+  TDF_Label null;
+  for (const Orvex::ShapeKind* kind : Orvex::ShapeKinds()) {
+    const std::unique_ptr<KindShapeParaCreator> creator(kind->make());
+    creator->UpdateShape(null);
+    creator->PerformTransform(null, gp_Trsf());
+    EXPECT_TRUE(creator->PerformClone(null, gp_Trsf()).IsNull()) << kind->word;
+    creator->StoreParameters(null, creator->ReadParameters(null));
+  }
+  EXPECT_EQ(ShapeCount(), 0U);
 }
 
 TEST_F(KindDetails, SweepsTellTheUserOfANegativeValueAndKeepTheOldOne)

@@ -123,6 +123,7 @@ TEST(ShapeIdentity, AfterUndoAnIdNamesNoShapeAndAfterRedoItDoesAgain)
   document.Doc()->CommitCommand();
   document.Doc()->Undo();
   EXPECT_TRUE(Mapper().FindShape(firstId).IsNull());
+  EXPECT_TRUE(Mapper().FindID(first).IsEmpty());
   document.Doc()->Redo();
   EXPECT_TRUE(Mapper().FindShape(firstId).IsSame(first));
   document.Doc()->Undo();
