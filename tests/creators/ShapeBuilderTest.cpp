@@ -28,7 +28,10 @@ protected:
     return ShapeLabelMgr::GetInstance()->GetShapeByLabel(label);
   }
 
-  static double LeastX(const TDF_Label& label) { return BoundsOf(ShapeOn(label)).CornerMin().X(); }
+  static double LeastX(const TDF_Label& label)
+  {
+    return BoundsOf(ShapeOn(label)).CornerMin().X();
+  }
 
   TDF_Label Plain()
   {

@@ -1,6 +1,7 @@
 #include "step/CStepFileReader.h"
 
 #include "assembly/AssemblyTreeMgr.h"
+#include "foundation/OrvexDebugLogFile.h"
 #include "support/CommaLocale.h"
 #include "support/StepFiles.h"
 
@@ -169,6 +170,21 @@ TEST_F(BoltAssembly, EachReadStartsFromEmptyResults)
   reader.SetInputFileName(file.Path());
   EXPECT_TRUE(reader.ReadSynchronously());
   EXPECT_EQ(reader.GetLastError(), "");
+}
+
+TEST_F(BoltAssembly, LogsItsSteps)
+{
+  setenv("ORVEX_STEP_DUMP_MESSAGES", "1", 1);
+  EXPECT_TRUE(reader.TryReadStepsMapNew());
+  auto lines = OrvexDebugLogFile::GetInstance()->Lines();
+  lines.erase(lines.begin(), lines.end() - 10);
+  EXPECT_THAT(
+    lines, ElementsAre("StepReader(XCAF): start ReadFile()", "StepReader(XCAF): finish ReadFile()",
+                       "StepReader(XCAF): start Transfer()", "StepReader(XCAF): finish Transfer()",
+                       "StepReader(XCAF): imported 3 shapes", "StepReader: start to ReadFile()",
+                       "StepReader: Finish to ReadFile()", "StepReader: start to TransferRoots()",
+                       "StepReader: Finish to TransferRoots()",
+                       "StepReader: Start to iterate all shapes, all Shape number is: 3"));
 }
 
 // Two occurrences in the same place have the same hash.
