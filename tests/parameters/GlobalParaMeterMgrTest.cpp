@@ -62,6 +62,11 @@ void WriteFile(const QString& path, const QByteArray& content)
 class GlobalParameters : public testing::Test
 {
 protected:
+  GlobalParameters()
+  {
+    GlobalParaMeterMgr::ClearAllParameters();
+  }
+
   QString Path(const char* name) const
   {
     return folder.filePath(name);
