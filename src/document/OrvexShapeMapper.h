@@ -12,9 +12,9 @@
 // - Ids are kept on children of the main label's child 1. In an XCAF document that is the label of
 //   the shape tool: to the kernel, and so to ShapeLabelMgr, each registered shape is one more
 //   top-level shape. GetAllShapes and its like count it a second time, also after the shape itself
-//   was removed or rebuilt, and GetShapeNameByLabel of that label gives the id. Looking up the label
-//   of a shape gives the label that had it first: register shapes after they were added to the
-//   document, or names, colours and removal go to the id's label.
+//   was removed or rebuilt, and GetShapeNameByLabel of that label gives the id. Looking up the
+//   label of a shape gives the label that had it first: register shapes after they were added to
+//   the document, or names, colours and removal go to the id's label.
 // - An id is always the text of a UUID. Children whose text is something else, as the labels of the
 //   shapes themselves, are passed over.
 // - Undoing the registration of a shape undoes its id; registered again, it gets a new one.

@@ -164,8 +164,7 @@ TEST_F(ShapeRegistry, SubShapesAreFoundByTheShapeThatUndoBroughtBack)
 {
   TestDocument undoable(10);
   const TopoDS_Shape first = Box(1), second = Box(2);
-  const TDF_Label label =
-    Registry().AddNewShapeToDocAndGetLabel(undoable.Doc(), first);
+  const TDF_Label label = Registry().AddNewShapeToDocAndGetLabel(undoable.Doc(), first);
   TopoDS_Shape firstFace = FirstFace(first), secondFace = FirstFace(second);
   undoable.Doc()->NewCommand();
   XCAFDoc_DocumentTool::ShapeTool(label)->SetShape(label, second);
