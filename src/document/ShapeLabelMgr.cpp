@@ -185,8 +185,10 @@ TCollection_ExtendedString FromUtf8(const std::string& text)
 // The first text on a label, under whatever id it stands there.
 Handle(TDataStd_AsciiString) FirstText(const TDF_Label& label)
 {
+  if (label.IsNull())
+    return nullptr;
   Handle(TDataStd_AsciiString) text;
-  for (TDF_AttributeIterator it(label); it.More() && text.IsNull() && !label.IsNull(); it.Next())
+  for (TDF_AttributeIterator it(label); it.More() && text.IsNull(); it.Next())
     text = Handle(TDataStd_AsciiString)::DownCast(it.Value());
   return text;
 }

@@ -135,9 +135,10 @@ int RunStepWorker(int argumentCount, char** arguments)
   stream.imbue(std::locale::classic());
   WriteOutcome(outcome, stream);
   const std::string bytes = std::move(stream).str();
+  // The caller goes on, and may read the log, as soon as it has the outcome.
+  OrvexDebugLogFile::GetInstance()->Flush();
   WriteHead(kOutcomeFrame, bytes.size());
   WriteAll(bytes);
-  OrvexDebugLogFile::GetInstance()->Flush();
   // After a fault the kernel's own clean-up may go down, and there is nothing left to clean up.
   _exit(EXIT_SUCCESS);
 }
