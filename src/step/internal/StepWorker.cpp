@@ -135,9 +135,9 @@ int RunStepWorker(int argumentCount, char** arguments)
   stream.imbue(std::locale::classic());
   WriteOutcome(outcome, stream);
   const std::string bytes = std::move(stream).str();
+  OrvexDebugLogFile::GetInstance()->Flush(); // whoever has the outcome ends this process
   WriteHead(kOutcomeFrame, bytes.size());
   WriteAll(bytes);
-  OrvexDebugLogFile::GetInstance()->Flush();
   // After a fault the kernel's own clean-up may go down, and there is nothing left to clean up.
   _exit(EXIT_SUCCESS);
 }
