@@ -135,8 +135,7 @@ int RunStepWorker(int argumentCount, char** arguments)
   stream.imbue(std::locale::classic());
   WriteOutcome(outcome, stream);
   const std::string bytes = std::move(stream).str();
-  // The caller goes on, and may read the log, as soon as it has the outcome.
-  OrvexDebugLogFile::GetInstance()->Flush();
+  OrvexDebugLogFile::GetInstance()->Flush(); // whoever has the outcome ends this process
   WriteHead(kOutcomeFrame, bytes.size());
   WriteAll(bytes);
   // After a fault the kernel's own clean-up may go down, and there is nothing left to clean up.
