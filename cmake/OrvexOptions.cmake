@@ -30,11 +30,11 @@ endif()
 add_library(orvex_own_code INTERFACE)
 target_compile_options(orvex_own_code INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wcast-qual -Wformat=2 -Wold-style-cast
-  -Woverloaded-virtual -Wundef -Wunused -Wnull-dereference -Werror)
+  -Woverloaded-virtual -Wundef -Wunused -Werror)
 if(ORVEX_SANITIZE)
   target_compile_options(orvex_own_code INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer
-    # The optimiser reports null dereferences in the instrumented code that are not there.
-    -Wno-null-dereference -Wno-maybe-uninitialized)
+    # The optimiser reports variables of the instrumented code that are not there.
+    -Wno-maybe-uninitialized)
   target_link_options(orvex_own_code INTERFACE -fsanitize=address,undefined)
 endif()

@@ -83,7 +83,8 @@ class Streams(unittest.TestCase):
 
     def test_a_result_that_cannot_be_written_is_told(self):
         with open("/dev/full", "wb") as full:
-            done = subprocess.run(command(["version"]), stdout=full, stderr=subprocess.PIPE, check=False)
+            done = subprocess.run(command(["version"]), stdout=full, stderr=subprocess.PIPE, check=False,
+                                  env=environment({}))
         self.assertEqual(done.returncode, 5)
         self.assertIn(b"standard output", done.stderr)
 

@@ -60,7 +60,8 @@ class Facts(unittest.TestCase):
         entry, facts = answer.entry(), file["facts"]
         self.assertEqual(answer.code, 5 if incomplete else 0, answer.err)
         self.assertEqual(entry["status"], "incomplete" if incomplete else "read")
-        self.assertEqual(bool(answer.warning_lines), incomplete)
+        self.assertEqual(len(answer.warning_lines), len(entry["losses"]))
+        self.assertEqual(bool(entry["losses"]), incomplete)
         told = {fact: at(entry, place) for fact, place in PLACES.items()}
         self.assertEqual(told, {fact: facts[fact] for fact in PLACES})
         self.assertEqual(len(entry["colors"]), facts["colors"])

@@ -2,6 +2,7 @@
 
 #include "assembly/AssemblyTreeMgr.h"
 #include "foundation/OrvexDebugLogFile.h"
+#include "support/CommaLocale.h"
 #include "support/StepFiles.h"
 
 #include <gmock/gmock.h>
@@ -288,50 +289,12 @@ TEST(CStepFileReader, NamesAreUtf8AlsoWhenTheFileHasThemRaw)
   EXPECT_THAT(NamesIn(file.Path()), ElementsAre("Zahnrad-Größe 歯車"));
 }
 
-// A locale with a decimal comma for the length of a scope; made on the spot if the system has the
-// sources of locales but not this one.
-class CommaLocale
-{
-public:
-  CommaLocale() : folder("de_DE.UTF-8"), earlier(std::setlocale(LC_ALL, nullptr))
-  {
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr)
-      return;
-    QFile::remove(folder.Path());
-    const std::string command =
-      "localedef -i de_DE -f UTF-8 '" + folder.Path().toStdString() + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0)
-      return;
-    const auto parent = std::filesystem::path(folder.Path().toStdString()).parent_path();
-    setenv("LOCPATH", parent.c_str(), 1);
-    std::setlocale(LC_ALL, "de_DE.UTF-8");
-    unsetenv("LOCPATH");
-  }
-  ~CommaLocale()
-  {
-    std::setlocale(LC_ALL, earlier.c_str());
-  }
-  CommaLocale(const CommaLocale&) = delete;
-  CommaLocale& operator=(const CommaLocale&) = delete;
-
-  bool IsThere() const
-  {
-    return *std::localeconv()->decimal_point == ',';
-  }
-
-private:
-  ScratchFile folder;
-  std::string earlier;
-};
-
 TEST(CStepFileReader, ReadsTheSameUnderALocaleWithDecimalComma)
 {
   const ScratchFile file("bolts.step");
   OrvexTest::WriteBoltAssembly(file);
   OrvexTest::ReplaceInFile(file, "(100.,0.,0.)", "(100.25,0.,0.)");
-  const CommaLocale locale;
-  if (!locale.IsThere())
-    GTEST_SKIP() << "no locale with a decimal comma, and localedef could not make one";
+  const OrvexTest::CommaLocale locale;
   CStepFileReader reader;
   reader.SetInputFileName(file.Path());
   ASSERT_TRUE(reader.ReadSynchronously());

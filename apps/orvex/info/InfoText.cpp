@@ -225,6 +225,8 @@ QString InfoText(const QJsonObject& entry, const TextStyle& style)
   for (const char* kind : {"solids", "shells", "faces", "edges", "vertices"})
     text += CountsRow(kind, counts);
   text += SurfacesRow(counts.value("surfaces").toObject());
+  if (const qsizetype lost = entry.value("losses").toArray().size(); lost > 0)
+    text += Row("lost", CountOf(int(lost), "solid or face", "solids and faces"));
   if (entry.contains("tree"))
     text += u'\n' + TreeText(entry.value("tree").toArray(), QStringLiteral("  "), style) +
             DefinitionsText(entry.value("definitions").toArray());

@@ -68,6 +68,24 @@ bool EndIsMissing(const std::string& path)
   return !tail.contains("END-ISO-10303-21") && !tail.contains("ENDSTEP");
 }
 
+// The complaint that most likely tells why a read failed. Sound files give rise to complaints too,
+// about units and annotations; a reference that leads nowhere or to the wrong thing is what breaks
+// a translation.
+const StepMessage* TellingComplaint(const std::vector<StepMessage>& messages)
+{
+  const StepMessage* first = nullptr;
+  for (const StepMessage& message : messages) {
+    if (!message.isFailure || message.entityId <= 0)
+      continue;
+    if (message.text.find("illegal type") != std::string::npos ||
+        message.text.find("nresolved") != std::string::npos)
+      return &message;
+    if (first == nullptr)
+      first = &message;
+  }
+  return first;
+}
+
 Failure FailureOfRead(const std::string& path, const CStepFileReader& reader)
 {
   const QString text = reader.GetLastError();
@@ -75,12 +93,10 @@ Failure FailureOfRead(const std::string& path, const CStepFileReader& reader)
   for (const Explanation& known : kExplanations)
     if (text == QLatin1String(known.text))
       failure.reason = QStringLiteral("%1: %2").arg(known.reason, text);
-  for (const StepMessage& message : reader.GetReadReport().messages)
-    if (message.isFailure && message.entityId > 0) {
-      failure.entity = EntityText(message.entityId, message.entityType);
-      failure.reason += QStringLiteral("; ") + TextFromBytes(message.text);
-      break;
-    }
+  if (const StepMessage* complaint = TellingComplaint(reader.GetReadReport().messages)) {
+    failure.entity = EntityText(complaint->entityId, complaint->entityType);
+    failure.reason += QStringLiteral("; ") + TextFromBytes(complaint->text);
+  }
   if (EndIsMissing(path))
     failure.advice = QStringLiteral("END-ISO-10303-21 is missing: the file seems to be cut off");
   return failure;
