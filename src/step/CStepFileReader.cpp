@@ -49,6 +49,7 @@ std::vector<TDF_Label> FreeShapesOf(const TDocStd_Document& document)
 std::vector<TopoDS_Shape> ShapesOf(const std::vector<TDF_Label>& labels)
 {
   std::vector<TopoDS_Shape> shapes;
+  shapes.reserve(labels.size());
   for (const TDF_Label& label : labels)
     shapes.push_back(XCAFDoc_ShapeTool::GetShape(label));
   return shapes;

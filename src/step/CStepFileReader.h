@@ -129,7 +129,8 @@ private:
   void run() override;
   void readStepWithXCAF(const QString& file);
   void readStepsMapNew(QString file, bool flag);
-  void ParseCompound(opencascade::handle<XSControl_TransferReader> transfer, TopoDS_Shape& shape);
+  void ParseCompound(const opencascade::handle<XSControl_TransferReader>& transfer,
+                     TopoDS_Shape& shape);
   bool HasImportedShapes() const;
 
   void BeginRead();

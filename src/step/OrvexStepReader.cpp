@@ -8,6 +8,7 @@
 
 #include <STEPCAFControl_Reader.hxx>
 #include <TDF_LabelSequence.hxx>
+#include <TDataStd_Name.hxx>
 #include <XCAFApp_Application.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>

@@ -37,6 +37,7 @@ bool CStepFileReader::TryReadStepsMapNew()
   return !error;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is given
 void CStepFileReader::readStepsMapNew(QString file, bool /*flag*/)
 {
   baseName = QFileInfo(file).completeBaseName();
@@ -83,7 +84,7 @@ void CStepFileReader::StorePlain(const opencascade::handle<XSControl_TransferRea
   ParseCompound(transfer, shape);
 }
 
-void CStepFileReader::ParseCompound(opencascade::handle<XSControl_TransferReader> transfer,
+void CStepFileReader::ParseCompound(const opencascade::handle<XSControl_TransferReader>& transfer,
                                     TopoDS_Shape& shape)
 {
   for (TopoDS_Iterator child(shape); child.More(); child.Next()) {
