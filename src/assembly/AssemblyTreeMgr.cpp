@@ -213,7 +213,8 @@ bool AssemblyTreeMgr::MoveNodesToAssembly(const std::string& sourceId,
       }))
     return false;
 
-  const std::string lastingId = targetId; // the argument may be the id of a node that moves now
+  // The argument may be the id of a node that moves now.
+  const std::string lastingId = targetId; // NOLINT(performance-unnecessary-copy-initialization)
   Nodes moved = TakeOut(*source, *positions);
   Nodes& children = FindAssembly(lastingId)->children;
   std::ranges::move(moved, std::back_inserter(children));

@@ -42,6 +42,15 @@ void EnsureText(const TDF_Label& label, const char* text)
     TDataStd_Name::Set(label, text);
 }
 
+// The kernel makes an assembly of a compound, puts its components on the first tags and names them;
+// those names must not be taken for the material and the display mode of the whole.
+void ForgetComponentNames(const TDF_Label& label)
+{
+  for (const int tag : {Orvex::kMaterialTag, Orvex::kDisplayModeTag})
+    if (const TDF_Label child = label.FindChild(tag, false); !child.IsNull())
+      child.ForgetAttribute(TDataStd_Name::GetID());
+}
+
 QVariant ReferredValue(const TCollection_AsciiString& reference)
 {
   return GlobalParaMeterMgr::GetParameterRawValue(QString::fromUtf8(reference.ToCString()));
@@ -129,6 +138,7 @@ TDF_Label BaseShapeParaCreator::PerformClone(TDF_Label& label, gp_Trsf trsf)
   if (!copy.IsDone())
     return {};
   TDF_Label clone = XCAFDoc_DocumentTool::ShapeTool(label)->AddShape(Moved(copy.Shape(), trsf));
+  ForgetComponentNames(clone);
   AddCommonAttribute(clone);
   AddGeometryTypeAsCompound(clone);
   return clone;

@@ -68,6 +68,8 @@ public:
 
   // A moved copy as a new label; null if there is nothing to copy. Here: a compound by type,
   // without parameters. Kinds that move their parameters make a fresh shape of the kind.
+  // Caveat: the kernel turns a compound into an assembly, whose components share the first tags
+  // with the attributes, and a shape with a location into a reference to a label of its own.
   virtual TDF_Label PerformClone(TDF_Label& label, gp_Trsf trsf);
 
   // Moves the stored shape and leaves the parameters, whatever the kind.

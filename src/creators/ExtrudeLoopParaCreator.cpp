@@ -6,6 +6,7 @@
 
 #include <BRepBuilderAPI_Transform.hxx>
 #include <BRepSweep_Prism.hxx>
+#include <QObject>
 #include <TopoDS.hxx>
 
 #include <array>
@@ -26,7 +27,8 @@ TopoDS_Shape Build(const ParameterSet& values)
 {
   const TopoDS_Shape& face = ShapeAt(values, kFace);
   if (face.IsNull()) {
-    ShowUserMessage("Error", "extrude face is NULL");
+    ShowUserMessage(QObject::tr("Error").toStdString(),
+                    QObject::tr("extrude face is NULL").toStdString());
     return {};
   }
   if (face.ShapeType() != TopAbs_FACE)
@@ -94,6 +96,8 @@ void ExtrudeLoopParaCreator::PerformTransform(TDF_Label& label, gp_Trsf trsf)
 
 TDF_Label ExtrudeLoopParaCreator::PerformClone(TDF_Label& label, gp_Trsf trsf)
 {
+  if (label.IsNull())
+    return {};
   const ParameterSet values = Moved(label, trsf);
   return CreateExtrudeByLoop(TopoDS::Face(ShapeAt(values, kFace)), DirectionAt(values, kNormal),
                              RealAt(values, kLength));

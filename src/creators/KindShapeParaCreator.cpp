@@ -168,7 +168,7 @@ void KindShapeParaCreator::PerformTransform(TDF_Label& label, gp_Trsf trsf)
 
 TDF_Label KindShapeParaCreator::PerformClone(TDF_Label& label, gp_Trsf trsf)
 {
-  if (!Kind().movesParameters)
+  if (label.IsNull() || !Kind().movesParameters)
     return BaseShapeParaCreator::PerformClone(label, trsf);
   return CreateWith(Transformed(ReadParameters(label), trsf));
 }
@@ -213,6 +213,8 @@ std::vector<Orvex::HeldParameter> KindShapeParaCreator::HeldParameters(const TDF
 
 void KindShapeParaCreator::StoreParameters(const TDF_Label& label, const ParameterSet& values)
 {
+  if (label.IsNull())
+    return;
   EnsurePointList(Kind(), label);
   VisitParameters(Kind(), label, [&](const TDF_Label& parameter, std::size_t index) {
     Orvex::StoreParameter(parameter, Kind().fields[index], values[index]);

@@ -7,11 +7,13 @@
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
 
-#include <TDataStd_AsciiString.hxx>
+#include <TDataStd_BooleanList.hxx>
+#include <TDataStd_Integer.hxx>
+#include <TDataStd_Real.hxx>
+#include <TDataXtd_Position.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
 #include <memory>
-#include <optional>
 
 namespace {
 
@@ -23,7 +25,7 @@ std::unique_ptr<BaseShapeParaCreator> CreatorOf(TDF_Label label)
 bool MoveAsCompound(TDF_Label& label, const gp_Trsf& trsf)
 {
   if (ShapeDocMgr::GetInstance()->GetDoc().IsNull() || label.IsNull() ||
-      XCAFDoc_ShapeTool::GetShape(label).IsNull())
+      XCAFDoc_ShapeTool::GetShape(label).IsNull() || XCAFDoc_ShapeTool::IsReference(label))
     return false;
   BaseShapeParaCreator().PerformObjectTransform(label, trsf);
   Orvex::SetType(label, Orvex::kTypeCompound);
@@ -52,14 +54,18 @@ void EditNamed(const TDF_Label& label, const TCollection_AsciiString& name, Edit
   });
 }
 
-// `read` and `write` are the getter and the setter of the value's attribute.
-template <typename Value>
+void SetPoint(const TDF_Label& child, gp_Pnt value)
+{
+  Orvex::SetPoint(child, value);
+}
+
+// Only children that bear the value's attribute are touched.
+template <typename Attribute, typename Value>
 void EditValue(const TDF_Label& label, const TCollection_AsciiString& name, const Value& value,
-               bool keep, std::optional<Value> (*read)(const TDF_Label&),
-               void (*write)(const TDF_Label&, std::type_identity_t<Value>))
+               bool keep, void (*write)(const TDF_Label&, Value))
 {
   EditNamed(label, name, [&](const TDF_Label& child) {
-    if (!read(child))
+    if (!child.IsAttribute(Attribute::GetID()))
       return;
     if (keep)
       write(child, value);
@@ -140,26 +146,25 @@ void ShapeBuilder::UpdateParameter(TDF_Label& label, TCollection_AsciiString nam
 void ShapeBuilder::UpdateParameter(TDF_Label& label, TCollection_AsciiString name, int value,
                                    bool keep)
 {
-  EditValue<int>(label, name, value, keep, &Orvex::IntegerOf, &Orvex::SetInteger);
+  EditValue<TDataStd_Integer>(label, name, value, keep, &Orvex::SetInteger);
 }
 
 void ShapeBuilder::UpdateParameter(TDF_Label& label, TCollection_AsciiString name, double value,
                                    bool keep)
 {
-  EditValue<double>(label, name, value, keep, &Orvex::RealOf, &Orvex::SetReal);
+  EditValue<TDataStd_Real>(label, name, value, keep, &Orvex::SetReal);
 }
 
 void ShapeBuilder::UpdateParameter(TDF_Label& label, TCollection_AsciiString name, gp_Pnt value,
                                    bool keep)
 {
-  EditValue<gp_Pnt>(label, name, value, keep, &Orvex::PointOf,
-                    [](const TDF_Label& child, gp_Pnt point) { Orvex::SetPoint(child, point); });
+  EditValue<TDataXtd_Position>(label, name, value, keep, &SetPoint);
 }
 
 void ShapeBuilder::UpdateParameter(TDF_Label& label, TCollection_AsciiString name, bool value,
                                    bool keep)
 {
-  EditValue<bool>(label, name, value, keep, &Orvex::FlagOf, &Orvex::SetFlag);
+  EditValue<TDataStd_BooleanList>(label, name, value, keep, &Orvex::SetFlag);
 }
 
 void ShapeBuilder::RemoveParameter(TDF_Label& label, TCollection_AsciiString name,

@@ -21,7 +21,8 @@ public:
   static eSHAPE_TYPE GetShapeType(TDF_Label& label);
 
   // With a creator: its PerformTransform. Otherwise the stored shape is moved, and the label is a
-  // compound by type from then on; false if there is no shape to move.
+  // compound by type from then on; false if there is no shape to move, or if the label only refers
+  // to another one, as the component of an assembly does.
   static bool PerformMove(TDF_Label& label, gp_Trsf trsf);
   static void PerformRotate(TDF_Label& label, gp_Trsf trsf);
   static bool PerformScale(TDF_Label& label, gp_Trsf trsf);

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 using namespace Orvex;
 
@@ -24,6 +25,19 @@ const std::array kFields = {
   OriginField("Base Point"),       LengthField("Bottom Radius"),   LengthField("Radius"),
   DegreesField("Angle1", -180, 0), DegreesField("Angle2", 0, 180), DegreesField("Angle3", 0, 360),
 };
+
+// With a thinner tube the kernel's mesher takes more points than it can handle in any useful time;
+// further out it cannot tell them apart, and does not end.
+constexpr double kLargestRadiusRatio = 1e6;
+constexpr double kLargestDistanceRatio = 1e12;
+
+bool IsInProportion(const gp_Pnt& center, double major, double minor)
+{
+  const gp_XYZ& place = center.XYZ();
+  const double furthest = std::max({std::abs(place.X()), std::abs(place.Y()), std::abs(place.Z())});
+  return std::isfinite(place.X() + place.Y() + place.Z()) && std::isfinite(major) &&
+         furthest <= kLargestDistanceRatio * minor && major <= kLargestRadiusRatio * minor;
+}
 
 bool HasTriangles(const TopoDS_Shape& shape)
 {
@@ -52,7 +66,8 @@ TopoDS_Shape Build(const ParameterSet& values)
   const double minor = RealAt(values, kMinorRadius);
   if (!TorousShapeParaCreator::ValidateParameters(major, minor, RealAt(values, kAngle1),
                                                   RealAt(values, kAngle2), RealAt(values, kAngle3),
-                                                  nullptr))
+                                                  nullptr) ||
+      !IsInProportion(PointAt(values, kBasePoint), major, minor))
     return {};
   const gp_Ax2 axes(PointAt(values, kBasePoint), gp_Dir(0, 0, 1));
   const TopoDS_Shape shape =
@@ -101,7 +116,8 @@ const ShapeKind& TorousShapeParaCreator::Kind() const
                               .isSolid = true,
                               .fields = kFields,
                               .build = &Build,
-                              .condition = "Bottom Radius is greater than Radius",
+                              .condition =
+                                "Bottom Radius is greater than Radius and at most 1e6 times it",
                               .make = &MakeCreator<TorousShapeParaCreator>,
                               .update = &UpdateWith<TorousShapeParaCreator>};
   return kind;

@@ -12,9 +12,12 @@ class ORVEX_API TorousShapeParaCreator : public KindShapeParaCreator
 {
 public:
   // Returns: the new label; null without a current document, for values that ValidateParameters
-  // refuses, and if no sound shape comes out. Nothing is added and no name number drawn then.
+  // refuses, for a major radius above 1e6 or a coordinate above 1e12 minor radii, and if no sound
+  // shape comes out. Nothing is added and no name number drawn then.
   TDF_Label CreateTorous(const gp_Pnt& center, double& majorRadius, double& minorRadius,
                          double& angle1, double& angle2, double& angle3);
+
+  using BaseShapeParaCreator::ValidateParameters;
 
   // Whether the values give a torus; if not, why, in `error` unless that is null.
   static bool ValidateParameters(double majorRadius, double minorRadius, double angle1,
@@ -26,7 +29,4 @@ public:
                          double& angle1, double& angle2, double& angle3);
 
   const Orvex::ShapeKind& Kind() const override;
-
-private:
-  using BaseShapeParaCreator::ValidateParameters;
 };

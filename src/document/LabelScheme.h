@@ -55,7 +55,7 @@ inline constexpr double kOpaque = 1.0;
 inline constexpr const char* kNoMaterial = "Not Assigned";
 inline constexpr const char* kSurfaceMode = "surface";
 inline constexpr const char* kWireframeMode = "wireframe";
-gp_Pnt DefaultColor();
+ORVEX_API gp_Pnt DefaultColor();
 
 // Primitive type codes, the integer of the type child.
 enum PrimitiveType : int {
@@ -80,9 +80,9 @@ enum PrimitiveType : int {
 
 // The name of a label: its TDataStd_AsciiString. The setter creates the attribute if missing.
 ORVEX_API std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label);
-bool HasName(const TDF_Label& label, const TCollection_AsciiString& name);
-void SetName(const TDF_Label& label, const TCollection_AsciiString& name);
-void EnsureName(const TDF_Label& label, const TCollection_AsciiString& nameIfNone);
+ORVEX_API bool HasName(const TDF_Label& label, const TCollection_AsciiString& name);
+ORVEX_API void SetName(const TDF_Label& label, const TCollection_AsciiString& name);
+ORVEX_API void EnsureName(const TDF_Label& label, const TCollection_AsciiString& nameIfNone);
 
 // The value attributes. A getter gives nothing if the attribute is missing; for a flag also if its
 // list is empty. A setter creates the attribute if missing.
@@ -90,10 +90,10 @@ ORVEX_API std::optional<double> RealOf(const TDF_Label& label);
 ORVEX_API std::optional<int> IntegerOf(const TDF_Label& label);
 ORVEX_API std::optional<gp_Pnt> PointOf(const TDF_Label& label);
 ORVEX_API std::optional<bool> FlagOf(const TDF_Label& label);
-void SetReal(const TDF_Label& label, double value);
-void SetInteger(const TDF_Label& label, int value);
-void SetPoint(const TDF_Label& label, const gp_Pnt& value);
-void SetFlag(const TDF_Label& label, bool value);
+ORVEX_API void SetReal(const TDF_Label& label, double value);
+ORVEX_API void SetInteger(const TDF_Label& label, int value);
+ORVEX_API void SetPoint(const TDF_Label& label, const gp_Pnt& value);
+ORVEX_API void SetFlag(const TDF_Label& label, bool value);
 
 // A parameter bound to something else has exactly one child, whose name is the text of the
 // reference: a number or the name of a global parameter.
@@ -103,10 +103,10 @@ ORVEX_API std::optional<TCollection_AsciiString> ReferenceOf(const TDF_Label& pa
 ORVEX_API std::optional<int> ValidTypeOf(const TDF_Label& shapeLabel);
 
 // Writes the type child, creating what is missing, and reserves the attribute tags.
-void SetType(const TDF_Label& shapeLabel, int code);
+ORVEX_API void SetType(const TDF_Label& shapeLabel, int code);
 
 // Makes the kernel take the tags of further children of this label from above the feature meta.
-void ReserveAttributeTags(const TDF_Label& shapeLabel);
+ORVEX_API void ReserveAttributeTags(const TDF_Label& shapeLabel);
 
 // Calls visit(child) for each child that exists, with the tags from 1 to the number of children,
 // in order, until it returns true; returns whether one did. The bound keeps parameters apart from
@@ -123,6 +123,6 @@ bool VisitChildren(const TDF_Label& label, Visit&& visit)
 }
 
 // The first child within that bound with the given name; null if there is none.
-TDF_Label ChildByName(const TDF_Label& label, const TCollection_AsciiString& name);
+ORVEX_API TDF_Label ChildByName(const TDF_Label& label, const TCollection_AsciiString& name);
 
 } // namespace Orvex

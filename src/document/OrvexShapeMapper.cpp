@@ -147,8 +147,11 @@ TCollection_AsciiString OrvexShapeMapper::FindID(const TopoDS_Shape& shape)
 {
   if (!SyncWithCurrent() || shape.IsNull())
     return {};
-  if (const auto cached = shapeToId.find(shape); cached != shapeToId.end())
-    return cached->second;
+  if (const auto cached = shapeToId.find(shape); cached != shapeToId.end()) {
+    if (!ShapeWithId(cached->second).IsNull())
+      return cached->second;
+    shapeToId.erase(cached); // undone
+  }
   const TDF_Label label = LabelOf(rootLabel, shape);
   if (label.IsNull())
     return {};

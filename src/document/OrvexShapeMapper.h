@@ -11,13 +11,13 @@
 // Caveats:
 // - Ids are kept on children of the main label's child 1. In an XCAF document that is the label of
 //   the shape tool: to the kernel, and so to ShapeLabelMgr, each registered shape is one more
-//   top-level shape. GetAllShapes and its like count it a second time, its name is the id, and its
-//   tag comes out of the same source as those of new shapes. Looking up the label of the shape
-//   still gives the label that had it first.
+//   top-level shape. GetAllShapes and its like count it a second time, also after the shape itself
+//   was removed or rebuilt, and GetShapeNameByLabel of that label gives the id. Looking up the
+//   label of a shape gives the label that had it first: register shapes after they were added to
+//   the document, or names, colours and removal go to the id's label.
 // - An id is always the text of a UUID. Children whose text is something else, as the labels of the
 //   shapes themselves, are passed over.
-// - After undo and redo a cached id may name a label that bears no shape any more; FindShape then
-//   looks through the document.
+// - Undoing the registration of a shape undoes its id; registered again, it gets a new one.
 // - For the thread of the front end only.
 // Cost: logarithmic for what was looked up before. A shape that was not is found or missed through
 // the kernel's own index; an id that was not costs one walk over the document's shapes, which

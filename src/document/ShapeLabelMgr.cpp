@@ -5,18 +5,28 @@
 #include "foundation/MessageLog.h"
 
 #include <BRepBndLib.hxx>
+#include <QString>
 #include <Standard_Failure.hxx>
+#include <TDF_AttributeIterator.hxx>
 #include <TDF_LabelSequence.hxx>
+#include <TDataStd_AsciiString.hxx>
 #include <TDataStd_Name.hxx>
+#include <TDataXtd_Shape.hxx>
+#include <TNaming_SameShapeIterator.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
+#include <XCAFDoc_ShapeMapTool.hxx>
 
 #include <algorithm>
 #include <array>
+#include <list>
 
 namespace {
 
 // Parameters that follow a move of the whole shape.
 constexpr std::array kMovedPoints = {"Base Point"};
+
+// How many different lists GetAllShapesPtr keeps alive.
+constexpr std::size_t kPointerGenerations = 16;
 
 TopoDS_Shape ShapeOn(const TDF_Label& label)
 {
@@ -35,11 +45,56 @@ TDF_Label FirstWithTag(const std::vector<TDF_Label>& labels, int tag)
   return found == labels.end() ? TDF_Label() : *found;
 }
 
+// A parameter that holds the source of a sweep bears a shape, and so looks like the label of a
+// sub-shape to the kernel. It is none: naming or colouring it would spoil the parameter.
+bool IsShapeParameter(const TDF_Label& label)
+{
+  return !label.IsNull() && label.IsAttribute(TDataXtd_Shape::GetID());
+}
+
 std::vector<TDF_Label> SubShapeLabels(const TDF_Label& label)
 {
   TDF_LabelSequence labels;
   XCAFDoc_ShapeTool::GetSubShapes(label, labels);
-  return ToVector(labels);
+  std::vector<TDF_Label> found = ToVector(labels);
+  std::erase_if(found, &IsShapeParameter);
+  return found;
+}
+
+// The first label with the shape that is no parameter; null if there is none.
+TDF_Label OtherLabelOf(const TopoDS_Shape& shape, const TDF_Label& access)
+{
+  TDF_Label first;
+  for (TNaming_SameShapeIterator it(shape, access); it.More(); it.Next()) {
+    const TDF_Label label = it.Label();
+    if (!IsShapeParameter(label) && XCAFDoc_ShapeTool::IsShape(label) &&
+        (first.IsNull() || label.Tag() < first.Tag()))
+      first = label;
+  }
+  return first;
+}
+
+// The kernel's maps of sub-shapes do not follow undo and redo: brings those up to date that belong
+// to another shape than the one on the label.
+void RefreshSubShapeMaps(const Handle(XCAFDoc_ShapeTool) & tool)
+{
+  TDF_LabelSequence labels;
+  tool->GetShapes(labels);
+  for (const TDF_Label& label : labels) {
+    Handle(XCAFDoc_ShapeMapTool) map;
+    const TopoDS_Shape shape = ShapeOn(label);
+    if (!shape.IsNull() && label.FindAttribute(XCAFDoc_ShapeMapTool::GetID(), map) &&
+        !map->GetMap().Contains(shape))
+      map->SetShape(shape);
+  }
+}
+
+TDF_Label SubShapeLabelOf(const Handle(XCAFDoc_ShapeTool) & tool, const TDF_Label& main,
+                          const TopoDS_Shape& shape)
+{
+  TDF_Label sub;
+  tool->FindSubShape(main, shape, sub);
+  return IsShapeParameter(sub) ? TDF_Label() : sub;
 }
 
 std::vector<TDF_Label> ShapeLabelsOf(const Handle(XCAFDoc_ShapeTool) & tool)
@@ -74,25 +129,7 @@ std::vector<TDF_Label> AppendSubShapes(const TDF_Label& label,
   return children;
 }
 
-// Runs an operation of the kernel; whatever it throws is logged under the operation's name and
-// answered by `fallback`.
-template <typename Result, typename Operation>
-Result Guarded(const char* name, Result fallback, Operation&& operation)
-{
-  try {
-    return operation();
-  } catch (const Standard_Failure& failure) {
-    MessageLog(Orvex::kLogWarning, "ShapeLabelMgr::%s OCC exception: %s", name,
-               failure.GetMessageString());
-  } catch (const std::exception& failure) {
-    MessageLog(Orvex::kLogWarning, "ShapeLabelMgr::%s std exception: %s", name, failure.what());
-  } catch (...) {
-    MessageLog(Orvex::kLogWarning, "ShapeLabelMgr::%s unknown exception", name);
-  }
-  return fallback;
-}
-
-// For the display mode, which must be read and written even if the log is out of order.
+// For work that must be done even if the log is out of order.
 void LogQuietly(int level, const std::string& text)
 {
   try {
@@ -100,6 +137,24 @@ void LogQuietly(int level, const std::string& text)
   } catch (...) {
     // The caller's work does not depend on its log line.
   }
+}
+
+// Runs an operation of the kernel; whatever it throws is logged under the operation's name and
+// answered by `fallback`.
+template <typename Result, typename Operation>
+Result Guarded(const char* name, Result fallback, Operation&& operation)
+{
+  const std::string head = std::string("ShapeLabelMgr::") + name;
+  try {
+    return operation();
+  } catch (const Standard_Failure& failure) {
+    LogQuietly(Orvex::kLogWarning, head + " OCC exception: " + failure.GetMessageString());
+  } catch (const std::exception& failure) {
+    LogQuietly(Orvex::kLogWarning, head + " std exception: " + failure.what());
+  } catch (...) {
+    LogQuietly(Orvex::kLogWarning, head + " unknown exception");
+  }
+  return fallback;
 }
 
 std::string KeepAscii(const TCollection_ExtendedString& text)
@@ -114,8 +169,28 @@ std::string KeepAscii(const TCollection_ExtendedString& text)
 Handle(TDataStd_Name) TextAttribute(const TDF_Label& label)
 {
   Handle(TDataStd_Name) name;
-  label.FindAttribute(TDataStd_Name::GetID(), name);
+  if (!label.IsNull())
+    label.FindAttribute(TDataStd_Name::GetID(), name);
   return name;
+}
+
+// The kernel's own conversion reads past the end of a text that is cut inside a character.
+TCollection_ExtendedString FromUtf8(const std::string& text)
+{
+  const QString decoded = QString::fromStdString(text);
+  return TCollection_ExtendedString(
+    reinterpret_cast<const Standard_ExtCharacter*>(decoded.utf16()));
+}
+
+// The first text on a label, under whatever id it stands there.
+Handle(TDataStd_AsciiString) FirstText(const TDF_Label& label)
+{
+  if (label.IsNull())
+    return nullptr;
+  Handle(TDataStd_AsciiString) text;
+  for (TDF_AttributeIterator it(label); it.More() && text.IsNull(); it.Next())
+    text = Handle(TDataStd_AsciiString)::DownCast(it.Value());
+  return text;
 }
 
 // A flag attribute of a shape; `fallback` if the list is missing.
@@ -193,9 +268,11 @@ TDF_Label ShapeLabelMgr::GetShapeLabel(const TopoDS_Shape* shape)
   if (shape == nullptr || shape->IsNull() || FetchShapeTool().IsNull())
     return {};
   TDF_Label label = myAssembly->FindShape(*shape, false);
-  if (label.IsNull())
+  if (label.IsNull()) {
+    RefreshSubShapeMaps(myAssembly);
     myAssembly->Search(*shape, label, true, true, true);
-  return label;
+  }
+  return IsShapeParameter(label) ? OtherLabelOf(*shape, label) : label;
 }
 
 std::vector<TDF_Label> ShapeLabelMgr::GetShapeLabels(const std::vector<TopoDS_Shape>& shapes)
@@ -211,23 +288,22 @@ TDF_Label ShapeLabelMgr::GetShapeLabelWithFace(TopoDS_Shape& face)
 {
   if (face.IsNull() || FetchShapeTool().IsNull())
     return {};
+  RefreshSubShapeMaps(myAssembly);
   const TDF_Label main = myAssembly->FindMainShape(face);
-  TDF_Label sub;
-  if (!main.IsNull())
-    myAssembly->FindSubShape(main, face, sub);
-  return sub;
+  return main.IsNull() ? TDF_Label() : SubShapeLabelOf(myAssembly, main, face);
 }
 
 bool ShapeLabelMgr::GetShapeLabelWithFaceTagID(TopoDS_Shape& face, int& shapeTag, int& faceTag)
 {
   if (face.IsNull() || FetchShapeTool().IsNull())
     return false;
+  RefreshSubShapeMaps(myAssembly);
   const TDF_Label main = myAssembly->FindMainShape(face);
   if (main.IsNull())
     return false;
   shapeTag = main.Tag();
-  TDF_Label sub;
-  if (!myAssembly->FindSubShape(main, face, sub))
+  const TDF_Label sub = SubShapeLabelOf(myAssembly, main, face);
+  if (sub.IsNull())
     return false;
   faceTag = sub.Tag();
   return true;
@@ -289,14 +365,21 @@ std::vector<TopoDS_Shape> ShapeLabelMgr::GetAllShapes()
 
 std::vector<TopoDS_Shape*> ShapeLabelMgr::GetAllShapesPtr()
 {
-  static std::vector<TopoDS_Shape> generations[2];
-  static int current = 0;
-  current = 1 - current;
-  generations[current] = GetAllShapes();
+  // The lists handed out last, the newest in front.
+  static std::list<std::vector<TopoDS_Shape>> generations;
+  std::vector<TopoDS_Shape> shapes = GetAllShapes();
+  const bool unchanged =
+    !generations.empty() &&
+    std::equal(shapes.begin(), shapes.end(), generations.front().begin(), generations.front().end(),
+               [](const TopoDS_Shape& a, const TopoDS_Shape& b) { return a.IsEqual(b); });
+  if (!unchanged)
+    generations.push_front(std::move(shapes));
+  if (generations.size() > kPointerGenerations)
+    generations.pop_back();
 
   std::vector<TopoDS_Shape*> pointers;
-  pointers.reserve(generations[current].size());
-  for (TopoDS_Shape& shape : generations[current])
+  pointers.reserve(generations.front().size());
+  for (TopoDS_Shape& shape : generations.front())
     pointers.push_back(&shape);
   return pointers;
 }
@@ -350,8 +433,8 @@ std::string ShapeLabelMgr::GetShapeName(const TopoDS_Shape* shape)
 
 std::string ShapeLabelMgr::GetShapeNameByLabel(const TDF_Label& label)
 {
-  const auto name = Orvex::NameOf(label);
-  return name ? std::string(name->ToCString()) : std::string("Default_Name");
+  const auto name = FirstText(label);
+  return name.IsNull() ? std::string("Default_Name") : std::string(name->Get().ToCString());
 }
 
 bool ShapeLabelMgr::SetShapeName(const TopoDS_Shape* shape, std::string& name)
@@ -359,7 +442,10 @@ bool ShapeLabelMgr::SetShapeName(const TopoDS_Shape* shape, std::string& name)
   const TDF_Label label = GetShapeLabel(shape);
   if (label.IsNull())
     return false;
-  Orvex::SetName(label, name.c_str());
+  if (const auto text = FirstText(label); !text.IsNull())
+    text->Set(name.c_str());
+  else
+    Orvex::SetName(label, name.c_str());
   return true;
 }
 
@@ -387,7 +473,8 @@ void ShapeLabelMgr::SetShapeColor(TopoDS_Shape shape, double& red, double& green
   if (label.IsNull())
     return;
   const TDF_Label child = label.FindChild(Orvex::kColorTag);
-  Orvex::EnsureName(child, Orvex::kColorName);
+  if (!Orvex::PointOf(child))
+    Orvex::EnsureName(child, Orvex::kColorName);
   Orvex::SetPoint(child, gp_Pnt(red, green, blue));
 }
 
@@ -479,7 +566,7 @@ void ShapeLabelMgr::SetShapeDisplayMode(TopoDS_Shape& shape, const std::string& 
     if (c >= 'A' && c <= 'Z')
       c = static_cast<char>(c - 'A' + 'a');
   const TDF_Label child = label.FindChild(Orvex::kDisplayModeTag);
-  TDataStd_Name::Set(child, TCollection_ExtendedString(word.c_str(), true));
+  TDataStd_Name::Set(child, FromUtf8(word));
   Orvex::SetFlag(child, word == Orvex::kWireframeMode);
 }
 
@@ -513,8 +600,9 @@ void ShapeLabelMgr::SetShapeMaterial(TopoDS_Shape& shape, std::string& material)
   const TDF_Label label = GetShapeLabel(&shape);
   if (label.IsNull())
     return;
-  if (const auto stored = TextAttribute(label.FindChild(Orvex::kMaterialTag)); !stored.IsNull())
-    stored->Set(TCollection_ExtendedString(material.c_str(), true));
+  if (const auto stored = TextAttribute(label.FindChild(Orvex::kMaterialTag, false));
+      !stored.IsNull())
+    stored->Set(FromUtf8(material));
 }
 
 bool ShapeLabelMgr::ShapeHasMaterial(TopoDS_Shape& shape)

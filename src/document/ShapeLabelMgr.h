@@ -12,6 +12,8 @@
 // Caveats:
 // - The kernel looks shapes up by what they are and ignores where they are: a moved copy of a
 //   registered shape is answered with the label of the unmoved one, unless it is registered too.
+// - The parameter in which a sweep keeps its source bears that shape. It is never answered as the
+//   label of a shape or of a sub-shape.
 // - Attribute getters make the child they read if it is missing; the child stays empty.
 // - For the thread of the front end only.
 #pragma once
@@ -78,8 +80,9 @@ public:
   std::vector<TDF_Label> GetAllShapeLabes();
   std::vector<TopoDS_Shape> GetAllShapes(opencascade::handle<TDocStd_Document> doc);
   static std::vector<TopoDS_Shape> GetAllShapes();
-  // Pointers to copies of the shapes that the registry keeps. They stay valid until the call after
-  // the next one, so that a walk may itself cause one further call.
+  // Pointers to copies of the shapes that the registry keeps. As long as the shapes of the document
+  // stay the same, every call gives the same pointers; after a change the old ones stay valid for
+  // the next 15 changes that a call sees, so that a walk may itself ask again.
   static std::vector<TopoDS_Shape*> GetAllShapesPtr();
   // Only solids and compsolids.
   std::vector<TopoDS_Shape> GetAllSolidShapes();

@@ -8,36 +8,57 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <string_view>
 #include <vector>
 
 namespace {
 
-// The parser calls itself for each bracket, for each sign before an operand, and for each power in
-// a chain of powers (which bind to the right).
+bool IsOneOf(char c, std::string_view characters)
+{
+  return characters.find(c) != std::string_view::npos;
+}
+
+// How deep the parser has called itself: once for each bracket, and within a bracket for each sign
+// before an operand and each power (which bind to the right) up to the next other operator. Where
+// the text alone does not tell, the depth is put too high, never too low.
 class NestingMeter
 {
 public:
   int DepthAfter(char c)
   {
-    if (c == ' ' || c == '\t' || c == '\n' || c == '\r')
-      return depth + signs + powers;
-    const bool isSign = c == '-' || c == '!';
-    const bool isBinary = isSign && afterOperand;
-    if (c == '(')
-      ++depth;
-    else if (c == ')')
-      --depth;
-    if (c == '^')
-      ++powers;
-    else if (isBinary || c == '+' || c == '*' || c == '/' || c == ',' || c == ')')
-      powers = 0;
-    signs = isSign && !isBinary ? signs + 1 : 0;
-    afterOperand = c == ')' || c == '_' || c == '.' || std::isalnum(static_cast<unsigned char>(c));
-    return depth + signs + powers;
+    // A sign right behind one of these may be that of an exponent, which ends no chain of powers.
+    const bool isExponentSign = IsOneOf(c, "+-") && IsOneOf(previous, "eEpP");
+    previous = c;
+    if (IsOneOf(c, " \t\n\v\f\r"))
+      return depth;
+    if (!isExponentSign)
+      Count(c);
+    afterOperand = IsOneOf(c, "_.)") || std::isalnum(static_cast<unsigned char>(c));
+    return depth;
   }
 
 private:
-  int depth = 0, signs = 0, powers = 0;
+  void Count(char c)
+  {
+    if (c == '(') {
+      chains.push_back(0);
+      ++depth;
+    } else if (c == ')' && chains.size() > 1) {
+      depth -= chains.back() + 1;
+      chains.pop_back();
+    } else if (IsOneOf(c, "^!") || (c == '-' && !afterOperand)) {
+      ++chains.back();
+      ++depth;
+    } else if (IsOneOf(c, "+-*/%,<=>&|")) {
+      depth -= chains.back();
+      chains.back() = 0;
+    }
+  }
+
+  // Signs and powers that are open, for each open bracket and for the whole.
+  std::vector<int> chains{0};
+  int depth = 0;
+  char previous = ' ';
   bool afterOperand = false;
 };
 
@@ -74,9 +95,9 @@ bool ExpressionEngine::TryCalculateExpress(const std::string& expression,
                                            std::map<std::string, double>& variables, double& result)
 {
   result = 0.0;
-  if (variables.empty() || expression.size() > kLongestExpression || IsTooDeep(expression))
-    return false;
   try {
+    if (variables.empty() || expression.size() > kLongestExpression || IsTooDeep(expression))
+      return false;
     return Evaluate(expression, variables, result);
   } catch (...) {
     return false;

@@ -1,7 +1,5 @@
 #include "parameters/GlobalParaMeterMgr.h"
 
-#include "parameters/internal/ParameterResolver.h"
-
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -9,6 +7,8 @@
 #include <QJsonObject>
 #include <QRegularExpression>
 #include <QSaveFile>
+
+#include <optional>
 
 namespace {
 
@@ -27,10 +27,23 @@ bool Fail(QString* error, const char* text, const QString& path)
   return false;
 }
 
+// Null if the file is too large or no JSON array.
+std::optional<QJsonArray> ReadArray(QFile& file)
+{
+  if (file.size() > GlobalParaMeterMgr::kLargestFile)
+    return std::nullopt;
+  // A device has no size of its own: the limit holds for what comes as well.
+  const QByteArray content = file.read(GlobalParaMeterMgr::kLargestFile + 1);
+  const QJsonDocument document = QJsonDocument::fromJson(content);
+  if (content.size() > GlobalParaMeterMgr::kLargestFile || !document.isArray())
+    return std::nullopt;
+  return document.array();
+}
+
 bool ReplaceFile(const QString& path, const QByteArray& content)
 {
   QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly))
+  if (content.size() > GlobalParaMeterMgr::kLargestFile || !file.open(QIODevice::WriteOnly))
     return false;
   // On a full disk the last write is short, which QSaveFile::commit does not count as an error.
   if (file.write(content) != content.size())
@@ -116,7 +129,7 @@ QVariant GlobalParaMeterMgr::GetParameterRawValue(QString name)
   case eBOOLEAN_PARAMETER:
     return BooleanOf(found->second);
   case eREAL_PARAMETER:
-    return Orvex::ResolveReal(m_nameMapParameters, name);
+    return found->second.CalculateAndGetRealValue();
   case eVECTOR_PARAMETER:
     return VectorOf(found->second);
   default:
@@ -151,11 +164,11 @@ bool GlobalParaMeterMgr::LoadFromFile(const QString& path, QString* error)
     return true;
   if (!file.open(QIODevice::ReadOnly))
     return Fail(error, "Cannot read parameters file: %1", path);
-  const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
-  if (!document.isArray())
+  const auto array = ReadArray(file);
+  if (!array)
     return Fail(error, "Invalid parameters file format: %1", path);
   m_nameMapParameters.clear();
-  for (const QJsonValue& element : document.array()) {
+  for (const QJsonValue& element : *array) {
     ParametersDef definition = FromJson(element.toObject());
     const QString name = definition.name;
     if (!name.isEmpty())

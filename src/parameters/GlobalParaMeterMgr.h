@@ -7,8 +7,9 @@
 //   QString error;
 //   GlobalParaMeterMgr::LoadFromFile(GlobalParaMeterMgr::SidecarPath(documentPath), &error);
 //
-// Cycles: a parameter may name itself, directly or through others. Every parameter on such a cycle
-// has the value 0, whichever of them is asked for, and what depends on it computes with that 0. The
+// Cycles: a real parameter may name itself, directly or through other reals. Every parameter on
+// such a cycle has the value 0, whichever of them is asked for, and what depends on it computes
+// with that 0. A vector or a boolean ends a chain: as a number a vector is 0, a boolean 0 or 1. The
 // length of a chain is limited by memory only.
 //
 // Caveat: for one thread at a time.
@@ -33,10 +34,14 @@ public:
   // In table order, which is none that a reader would know.
   static std::vector<QString> GetAllParametersName();
 
+  // Units: bytes. A larger file is neither read nor written.
+  static constexpr qint64 kLargestFile = 64LL << 20;
+
   // A boolean, a double, or a list of exactly three doubles by the parameter's type; each of the
   // three is 0 for a vector whose text does not have three parts or that has an expression. Invalid
   // for an unknown name, an unknown type, and a boolean that can't be read.
-  // Cost: linear in the parameters that the value depends on.
+  // Cost: each parameter that the value depends on is evaluated once, however many ways lead to it;
+  // nothing is kept for the next call.
   static QVariant GetParameterRawValue(QString name);
 
   static bool IsValidParaName(QString name);
@@ -47,7 +52,8 @@ public:
   static QString SidecarPath(const QString& documentPath);
 
   // Replaces the table by the file's content. A file that does not exist is no error and changes
-  // nothing. On failure the table stays as it is and `error`, unless null, says why.
+  // nothing. On failure (a file that cannot be read, is too large, or is no JSON array) the table
+  // stays as it is and `error`, unless null, says why.
   static bool LoadFromFile(const QString& path, QString* error);
 
   // Replaces the file as a whole: until the new one is complete, the old one stays.

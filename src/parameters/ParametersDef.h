@@ -16,6 +16,9 @@ enum eGLOBAL_PARAMETER_TYPE { eBOOLEAN_PARAMETER = 0, eREAL_PARAMETER = 1, eVECT
 // A plain record, copied by value. The constructor leaves all texts empty and the variant invalid;
 // the other members are for whoever fills the record, the type first of all. They start at zero, so
 // that a copy never reads something undefined.
+//
+// Names are looked up in the table of GlobalParaMeterMgr. A record outside of it, a copy of one of
+// its records included, lies on no cycle: it computes with what the parameters of the table give.
 struct ORVEX_API ParametersDef
 {
   // Also its key in the table of GlobalParaMeterMgr.

@@ -1,7 +1,6 @@
 #include "step/CStepFileReader.h"
 
 #include "assembly/AssemblyTreeMgr.h"
-#include "foundation/OrvexDebugLogFile.h"
 #include "foundation/OrvexEnvVariableSet.h"
 #include "foundation/ScopedNumericLocale.h"
 #include "step/internal/EntityName.h"
@@ -12,6 +11,7 @@
 #include "step/internal/IsolatedRead.h"
 #include "step/internal/ProductTree.h"
 #include "step/internal/ReadControl.h"
+#include "step/internal/ReadLog.h"
 #include "step/internal/ReportCollector.h"
 
 #include <Interface_Static.hxx>
@@ -29,11 +29,6 @@
 #include <algorithm>
 
 namespace {
-
-void Log(const std::string& line)
-{
-  OrvexDebugLogFile::GetInstance()->dumpToFile(line);
-}
 
 // The kernel drops settings that come before its controllers are initialised.
 void SetUpKernel()
@@ -54,6 +49,7 @@ std::vector<TDF_Label> FreeShapesOf(const TDocStd_Document& document)
 std::vector<TopoDS_Shape> ShapesOf(const std::vector<TDF_Label>& labels)
 {
   std::vector<TopoDS_Shape> shapes;
+  shapes.reserve(labels.size());
   for (const TDF_Label& label : labels)
     shapes.push_back(XCAFDoc_ShapeTool::GetShape(label));
   return shapes;
@@ -66,6 +62,29 @@ void SetModes(STEPCAFControl_Reader& reader)
   reader.SetLayerMode(true);
   reader.SetPropsMode(true);
   reader.SetMatMode(true);
+}
+
+void LoadOrThrow(STEPCAFControl_Reader& reader, const QString& file, Orvex::ReadControl& control)
+{
+  control.Enter("parse", 0.0);
+  const IFSelect_ReturnStatus status = Orvex::LoadFile(reader.ChangeReader(), file, control);
+  Orvex::LogRead("StepReader(XCAF): finish ReadFile()");
+  control.ThrowIfCancelled(Orvex::kXcafCancelled);
+  if (status != IFSelect_RetDone)
+    throw std::string("XCAF ReadFile failed");
+}
+
+void TransferOrThrow(STEPCAFControl_Reader& reader, Handle(TDocStd_Document) & document,
+                     Orvex::ReadControl& control)
+{
+  Orvex::LogRead("StepReader(XCAF): start Transfer()");
+  control.Enter("transfer", 0.0);
+  const Handle(Orvex::KernelProgress) progress = new Orvex::KernelProgress(control);
+  const bool isTransferred = reader.Transfer(document, progress->Start());
+  control.ThrowIfCancelled(Orvex::kXcafCancelled);
+  if (!isTransferred)
+    throw std::string("XCAF Transfer failed");
+  Orvex::LogRead("StepReader(XCAF): finish Transfer()");
 }
 
 void BuildProductTree(const std::vector<TDF_Label>& freeShapes, Orvex::ShapeCollector& collector,
@@ -148,36 +167,23 @@ void CStepFileReader::readStepWithXCAF(const QString& file)
   baseName = QFileInfo(file).completeBaseName();
   Orvex::ReadControl control(options, cancelRequested);
 
-  Log("StepReader(XCAF): start ReadFile()");
+  Orvex::LogRead("StepReader(XCAF): start ReadFile()");
   SetUpKernel();
   STEPCAFControl_Reader reader;
   SetModes(reader);
-  control.Enter("parse", 0.0);
-  const IFSelect_ReturnStatus status = Orvex::LoadFile(reader.ChangeReader(), file, control);
-  Log("StepReader(XCAF): finish ReadFile()");
-  control.ThrowIfCancelled(Orvex::kXcafCancelled);
-  if (status != IFSelect_RetDone)
-    throw std::string("XCAF ReadFile failed");
+  LoadOrThrow(reader, file, control);
   if (options.collectReport)
     Orvex::ReportLoad(reader.ChangeReader(), report);
 
   Orvex::ImportDocument document("MDTV-XCAF");
-  Log("StepReader(XCAF): start Transfer()");
-  control.Enter("transfer", 0.0);
-  const Handle(Orvex::KernelProgress) progress = new Orvex::KernelProgress(control);
-  const bool isTransferred = reader.Transfer(document.Get(), progress->Start());
-  control.ThrowIfCancelled(Orvex::kXcafCancelled);
-  if (!isTransferred)
-    throw std::string("XCAF Transfer failed");
-  Log("StepReader(XCAF): finish Transfer()");
-
+  TransferOrThrow(reader, document.Get(), control);
   control.Enter("collect");
   CollectFrom(*document.Get(), control);
   if (options.collectReport) {
     Orvex::ReportTransfer(reader.Reader(), ShapesOf(FreeShapesOf(*document.Get())), report);
     Orvex::ReportDocument(*document.Get(), report);
   }
-  Log("StepReader(XCAF): imported " + std::to_string(shapeDataList.size()) + " shapes");
+  Orvex::LogRead("StepReader(XCAF): imported " + std::to_string(shapeDataList.size()) + " shapes");
 }
 
 void CStepFileReader::CollectFrom(const TDocStd_Document& document,

@@ -8,6 +8,7 @@
 
 #include <STEPCAFControl_Reader.hxx>
 #include <TDF_LabelSequence.hxx>
+#include <TDataStd_Name.hxx>
 #include <XCAFApp_Application.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
@@ -38,21 +39,25 @@ std::map<std::string, TopoDS_Shape> OrvexStepReader::GetImportShapesMap() const
 
 void OrvexStepReader::run()
 {
-  BeginRead();
   const auto error = Orvex::ErrorTextOf([this] { Run(); }, "Error reading STEP file");
   lastError = error.value_or(QString());
   readSucceeded = !error;
-  EndRead(!readSucceeded);
 }
 
 void OrvexStepReader::Run()
 {
   const Orvex::ScopedNumericLocale locale;
+  BeginRead();
   try {
     readStepsCAF();
   } catch (const std::exception& error) {
-    throw std::string("Error reading STEP file: ") + error.what();
+    EndRead(true);
+    throw std::string("Error reading STEP file: ").append(error.what());
+  } catch (...) {
+    EndRead(true);
+    throw;
   }
+  EndRead(false);
 }
 
 void OrvexStepReader::readStepsCAF()

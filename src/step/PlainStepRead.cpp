@@ -1,7 +1,6 @@
 // The plain way through a file: shapes and the names of their entities, no document.
 #include "step/CStepFileReader.h"
 
-#include "foundation/OrvexDebugLogFile.h"
 #include "foundation/OrvexEnvVariableSet.h"
 #include "foundation/ScopedNumericLocale.h"
 #include "step/internal/EntityName.h"
@@ -9,6 +8,7 @@
 #include "step/internal/FaultGuard.h"
 #include "step/internal/FileLoad.h"
 #include "step/internal/ReadControl.h"
+#include "step/internal/ReadLog.h"
 #include "step/internal/ReportCollector.h"
 
 #include <STEPControl_Reader.hxx>
@@ -17,15 +17,6 @@
 #include <XSControl_WorkSession.hxx>
 
 #include <QFileInfo>
-
-namespace {
-
-void Log(const std::string& line)
-{
-  OrvexDebugLogFile::GetInstance()->dumpToFile(line);
-}
-
-} // namespace
 
 bool CStepFileReader::TryReadStepsMapNew()
 {
@@ -46,27 +37,28 @@ bool CStepFileReader::TryReadStepsMapNew()
   return !error;
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the signature is given
 void CStepFileReader::readStepsMapNew(QString file, bool /*flag*/)
 {
   baseName = QFileInfo(file).completeBaseName();
   Orvex::ReadControl control(options, cancelRequested);
 
   STEPControl_Reader reader;
-  Log("StepReader: start to ReadFile()");
+  Orvex::LogRead("StepReader: start to ReadFile()");
   control.Enter("parse", 0.0);
   const IFSelect_ReturnStatus status = Orvex::LoadFile(reader, file, control);
-  Log("StepReader: Finish to ReadFile()");
+  Orvex::LogRead("StepReader: Finish to ReadFile()");
   control.ThrowIfCancelled(Orvex::kPlainCancelled);
   if (status != IFSelect_RetDone)
     return;
   if (options.collectReport)
     Orvex::ReportLoad(reader, report);
 
-  Log("StepReader: start to TransferRoots()");
+  Orvex::LogRead("StepReader: start to TransferRoots()");
   control.Enter("transfer", 0.0);
   const Handle(Orvex::KernelProgress) progress = new Orvex::KernelProgress(control);
   reader.TransferRoots(progress->Start());
-  Log("StepReader: Finish to TransferRoots()");
+  Orvex::LogRead("StepReader: Finish to TransferRoots()");
   control.ThrowIfCancelled(Orvex::kPlainCancelled);
 
   control.Enter("collect");
@@ -87,12 +79,12 @@ void CStepFileReader::StorePlain(const opencascade::handle<XSControl_TransferRea
     return;
   }
   if (OrvexEnvVariableSet::isDumpMessageToFile())
-    Log("StepReader: Start to iterate all shapes, all Shape number is: " +
-        std::to_string(shape.NbChildren()));
+    Orvex::LogRead("StepReader: Start to iterate all shapes, all Shape number is: " +
+                   std::to_string(shape.NbChildren()));
   ParseCompound(transfer, shape);
 }
 
-void CStepFileReader::ParseCompound(opencascade::handle<XSControl_TransferReader> transfer,
+void CStepFileReader::ParseCompound(const opencascade::handle<XSControl_TransferReader>& transfer,
                                     TopoDS_Shape& shape)
 {
   for (TopoDS_Iterator child(shape); child.More(); child.Next()) {

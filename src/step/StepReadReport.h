@@ -39,7 +39,9 @@ struct StepColor
 
 struct StepReadReport
 {
-  bool collected = false; // false: nothing was asked for or the read got nowhere; all else is empty
+  // False: nothing was asked for, or the file could not be loaded. Then all else is empty, but for
+  // the reasons of the parser among the messages of an isolated read.
+  bool collected = false;
 
   std::string schema;                   // as in the file's header
   std::string lengthUnit;               // "millimetre", "inch", ...; empty: the file names none

@@ -33,6 +33,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <numbers>
 
 using namespace OrvexTest;
@@ -56,11 +57,13 @@ protected:
   static bool IsRegistered(const TDF_Label& label)
   {
     return ParametricFeatureManager::GetInstance().FindFeature(
-             ParametricFeatureManager::MakeLabelKey(label))
-           != nullptr;
+             ParametricFeatureManager::MakeLabelKey(label)) != nullptr;
   }
 
-  static std::size_t ShapeCount() { return ShapeLabelMgr::GetAllShapes().size(); }
+  static std::size_t ShapeCount()
+  {
+    return ShapeLabelMgr::GetAllShapes().size();
+  }
 
   // Messages shown to the user by the calls of `work`.
   template <typename Work>
@@ -146,29 +149,28 @@ TEST_F(KindDetails, TorusIsCheckedInOrderAndRefusedSilently)
     const char* text;
   };
   constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-  for (const Case& c : {Case{0, 0, 9, 0, 0, "Torus major radius must be positive."},
-                        Case{nan, 1, 0, 180, 360, "Torus major radius must be positive."},
-                        Case{1, 0, 9, 0, 0, "Torus minor radius must be positive."},
-                        Case{10, 10, 9, 0, 0,
-                             "Torus major radius must be greater than minor radius."},
-                        Case{10, 1, 9, -1, 0, "Torus angle1 must be within [-180, 0]."},
-                        Case{10, 1, -180, 181, 0, "Torus angle2 must be within [0, 180]."},
-                        Case{10, 1, -180, 180, 0, "Torus angle3 must be within (0, 360]."}}) {
+  for (const Case& c :
+       {Case{0, 0, 9, 0, 0, "Torus major radius must be positive."},
+        Case{nan, 1, 0, 180, 360, "Torus major radius must be positive."},
+        Case{1, 0, 9, 0, 0, "Torus minor radius must be positive."},
+        Case{10, 10, 9, 0, 0, "Torus major radius must be greater than minor radius."},
+        Case{10, 1, 9, -1, 0, "Torus angle1 must be within [-180, 0]."},
+        Case{10, 1, -180, 181, 0, "Torus angle2 must be within [0, 180]."},
+        Case{10, 1, -180, 180, 0, "Torus angle3 must be within (0, 360]."}}) {
     std::string error;
-    EXPECT_FALSE(TorousShapeParaCreator::ValidateParameters(c.major, c.minor, c.a1, c.a2, c.a3,
-                                                            &error));
+    EXPECT_FALSE(
+      TorousShapeParaCreator::ValidateParameters(c.major, c.minor, c.a1, c.a2, c.a3, &error));
     EXPECT_EQ(error, c.text);
-    EXPECT_FALSE(TorousShapeParaCreator::ValidateParameters(c.major, c.minor, c.a1, c.a2, c.a3,
-                                                            nullptr));
+    EXPECT_FALSE(
+      TorousShapeParaCreator::ValidateParameters(c.major, c.minor, c.a1, c.a2, c.a3, nullptr));
   }
   EXPECT_TRUE(TorousShapeParaCreator::ValidateParameters(10, 1, 0, 180, 360, nullptr));
 
   TorousShapeParaCreator torus;
   double major = 10, minor = 10, a1 = -180, a2 = 180, a3 = 360;
   const int before = TarvelNameIndexMgr::GetGlobeIndex();
-  const auto messages = MessagesOf([&] {
-    EXPECT_TRUE(torus.CreateTorous(gp_Pnt(), major, minor, a1, a2, a3).IsNull());
-  });
+  const auto messages = MessagesOf(
+    [&] { EXPECT_TRUE(torus.CreateTorous(gp_Pnt(), major, minor, a1, a2, a3).IsNull()); });
   EXPECT_TRUE(messages.empty());
   EXPECT_EQ(ShapeCount(), 0U);
   EXPECT_EQ(TarvelNameIndexMgr::GetGlobeIndex(), before + 1);
@@ -305,6 +307,40 @@ TEST_F(KindDetails, ExtrudeScalesTheCallersVectorAndKeepsItsSource)
   gp_Vec none;
   EXPECT_THROW(extrude.CreateExtrude(source, none, length), Standard_Failure);
   EXPECT_TRUE(extrude.CreateExtrude(TopoDS_Shape(), vector, length).IsNull());
+}
+
+TEST_F(KindDetails, TheParameterThatHoldsASourceIsNoLabelOfAShape)
+{
+  auto* registry = ShapeLabelMgr::GetInstance();
+  ExtrudeShapeParaCreator extrude;
+  gp_Vec up(0, 0, 1);
+  double length = 2;
+  TopoDS_Shape source = UnitSquare(); // not registered; the prism shares it as its base
+  TDF_Label label = extrude.CreateExtrude(source, up, length);
+  std::string name = "base";
+  EXPECT_FALSE(registry->SetShapeName(&source, name));
+  EXPECT_TRUE(registry->GetShapeLabel(source).IsNull());
+  EXPECT_TRUE(registry->GetShapeLabelWithFace(source).IsNull());
+  EXPECT_TRUE(registry->GetSubShapeByTag(label.Tag(), 11).IsNull());
+  ShapeLabelMgr::SubShapeMap tree;
+  registry->GetSubshapWithcursive(label, tree);
+  EXPECT_TRUE(tree[ShapeOn(label).TShape()].empty());
+  Orvex::SetReal(Child(label, "Length"), 7);
+  extrude.UpdateShape(label);
+  EXPECT_NEAR(VolumeOf(ShapeOn(label)), 7, 1e-9);
+}
+
+TEST_F(KindDetails, ANullLabelIsNoShapeOfAnyKind)
+{
+  TDF_Label null;
+  for (const Orvex::ShapeKind* kind : Orvex::ShapeKinds()) {
+    const std::unique_ptr<KindShapeParaCreator> creator(kind->make());
+    creator->UpdateShape(null);
+    creator->PerformTransform(null, gp_Trsf());
+    EXPECT_TRUE(creator->PerformClone(null, gp_Trsf()).IsNull()) << kind->word;
+    creator->StoreParameters(null, creator->ReadParameters(null));
+  }
+  EXPECT_EQ(ShapeCount(), 0U);
 }
 
 TEST_F(KindDetails, SweepsTellTheUserOfANegativeValueAndKeepTheOldOne)

@@ -10,6 +10,8 @@
 #include "support/TestDocument.h"
 
 #include <BRepPrimAPI_MakeBox.hxx>
+#include <BRep_Builder.hxx>
+#include <TopoDS_Compound.hxx>
 
 #include <gtest/gtest.h>
 
@@ -28,7 +30,10 @@ protected:
     return ShapeLabelMgr::GetInstance()->GetShapeByLabel(label);
   }
 
-  static double LeastX(const TDF_Label& label) { return BoundsOf(ShapeOn(label)).CornerMin().X(); }
+  static double LeastX(const TDF_Label& label)
+  {
+    return BoundsOf(ShapeOn(label)).CornerMin().X();
+  }
 
   TDF_Label Plain()
   {
@@ -89,6 +94,22 @@ TEST_F(Factory, MovesByParametersByShapeOrNotAtAll)
   const TDF_Label clone = ShapeBuilder::PerformClone(plain, move);
   EXPECT_EQ(Orvex::ValidTypeOf(clone), Orvex::kTypeCompound);
   EXPECT_NEAR(LeastX(clone), 30, 1e-6);
+}
+
+TEST_F(Factory, ACloneOfManyPartsHasTheAttributesOfANewShape)
+{
+  TopoDS_Compound parts;
+  BRep_Builder builder;
+  builder.MakeCompound(parts);
+  for (int i = 1; i <= 10; ++i)
+    builder.Add(parts, BRepPrimAPI_MakeBox(i, i, i).Shape());
+  TDF_Label label =
+    ShapeLabelMgr::GetInstance()->AddNewShapeToDocAndGetLabel(document.Doc(), parts);
+  TopoDS_Shape clone = ShapeOn(ShapeBuilder::PerformClone(label, move));
+  auto* registry = ShapeLabelMgr::GetInstance();
+  EXPECT_EQ(registry->GetPrimitiveType(clone), Orvex::kTypeCompound);
+  EXPECT_EQ(registry->GetShapeMaterial(clone), "Not Assigned");
+  EXPECT_EQ(registry->GetShapeDisplayMode(clone), "surface");
 }
 
 TEST_F(Factory, SetsValuesOfTheRightTypeOnly)

@@ -3,6 +3,7 @@
 #include "document/OrvexDocShapesInformation.h"
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
+#include "support/CommaLocale.h"
 #include "support/TestDocument.h"
 
 #include <BRepPrimAPI_MakeBox.hxx>
@@ -12,7 +13,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <clocale>
 #include <regex>
 #include <set>
 
@@ -123,6 +123,7 @@ TEST(ShapeIdentity, AfterUndoAnIdNamesNoShapeAndAfterRedoItDoesAgain)
   document.Doc()->CommitCommand();
   document.Doc()->Undo();
   EXPECT_TRUE(Mapper().FindShape(firstId).IsNull());
+  EXPECT_TRUE(Mapper().FindID(first).IsEmpty());
   document.Doc()->Redo();
   EXPECT_TRUE(Mapper().FindShape(firstId).IsSame(first));
   document.Doc()->Undo();
@@ -140,10 +141,9 @@ TEST(ModelInformation, CountsAndDumpsIndependentOfTheLocale)
             "Total number of main shapes in the model is: 0<br>Face  number:0<br>"
             "Bounding Box(Min):  0.000000  ,  0.000000  ,  0.000000<br>"
             "Bounding Box(Max):  0.000000  ,  0.000000  ,  0.000000<br>");
-  std::setlocale(LC_ALL, "de_DE.UTF-8");
+  const OrvexTest::CommaLocale locale;
   ShapeLabelMgr::GetInstance()->AddNewShapeToDoc(document.Doc(), Moved(Box(1.5)));
   const std::string text = OrvexDocShapesInformation::DumpModelInformation();
-  std::setlocale(LC_ALL, "C");
   EXPECT_EQ(text, "Total number of main shapes in the model is: 1<br>Face  number:6<br>"
                   "Bounding Box(Min):  3.000000  ,  0.000000  ,  0.000000<br>"
                   "Bounding Box(Max):  4.500000  ,  1.500000  ,  1.500000<br>");

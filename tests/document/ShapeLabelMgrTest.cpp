@@ -132,6 +132,51 @@ TEST_F(ShapeRegistry, EnumeratesInDocumentOrder)
   EXPECT_NEAR(z1, 2, 1e-6);
 }
 
+TEST_F(ShapeRegistry, PointersStayValidWhileAWalkAsksAgain)
+{
+  for (int i = 1; i <= 3; ++i)
+    Add(Box(i));
+  int same = 0;
+  for (const TopoDS_Shape* outer : ShapeLabelMgr::GetAllShapesPtr())
+    for (const TopoDS_Shape* inner : ShapeLabelMgr::GetAllShapesPtr())
+      same += outer->IsSame(*inner) ? 1 : 0;
+  EXPECT_EQ(same, 3);
+  const auto before = ShapeLabelMgr::GetAllShapesPtr();
+  for (int i = 4; i <= 12; ++i) {
+    Add(Box(i));
+    EXPECT_EQ(ShapeLabelMgr::GetAllShapesPtr().size(), static_cast<std::size_t>(i));
+  }
+  EXPECT_FALSE(before[2]->IsNull());
+}
+
+TEST_F(ShapeRegistry, TextThatIsCutInsideACharacterIsKeptAsFarAsItGoes)
+{
+  TopoDS_Shape shape = Box(1);
+  TDataStd_Name::Set(Add(shape).FindChild(Orvex::kMaterialTag), "Not Assigned");
+  std::string cut = "abc\xE2";
+  Registry().SetShapeMaterial(shape, cut);
+  EXPECT_EQ(Registry().GetShapeMaterial(shape), "abc\xEF\xBF\xBD");
+  Registry().SetShapeDisplayMode(shape, cut);
+  EXPECT_EQ(Registry().GetShapeDisplayMode(shape), "abc");
+}
+
+TEST_F(ShapeRegistry, SubShapesAreFoundByTheShapeThatUndoBroughtBack)
+{
+  TestDocument undoable(10);
+  const TopoDS_Shape first = Box(1), second = Box(2);
+  const TDF_Label label = Registry().AddNewShapeToDocAndGetLabel(undoable.Doc(), first);
+  TopoDS_Shape firstFace = FirstFace(first), secondFace = FirstFace(second);
+  undoable.Doc()->NewCommand();
+  XCAFDoc_DocumentTool::ShapeTool(label)->SetShape(label, second);
+  undoable.Doc()->CommitCommand();
+  undoable.Doc()->Undo();
+  int shapeTag = -1, faceTag = -1;
+  Registry().GetShapeLabelWithFaceTagID(secondFace, shapeTag, faceTag);
+  EXPECT_EQ(shapeTag, -1);
+  Registry().GetShapeLabelWithFaceTagID(firstFace, shapeTag, faceTag);
+  EXPECT_EQ(shapeTag, label.Tag());
+}
+
 TEST_F(ShapeRegistry, NamesBelongToLabelsAndTheEarlierLabelWins)
 {
   TopoDS_Shape first = Box(1);

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <set>
 #include <sys/resource.h>
 
 using OrvexTest::Random;
@@ -61,6 +62,11 @@ void WriteFile(const QString& path, const QByteArray& content)
 class GlobalParameters : public testing::Test
 {
 protected:
+  GlobalParameters()
+  {
+    GlobalParaMeterMgr::ClearAllParameters();
+  }
+
   QString Path(const char* name) const
   {
     return folder.filePath(name);
@@ -153,6 +159,17 @@ TEST_F(GlobalParameters, EveryParameterOnACycleIsZeroWhicheverIsAsked)
   for (const char* onCycle : {"self", "selfish", "a", "b", "c"})
     EXPECT_EQ(ValueOf(onCycle), 0.0) << onCycle;
   EXPECT_EQ(ValueOf("below"), 10.0);
+  EXPECT_EQ(GlobalParaMeterMgr::GetAllParameters().at("a").CalculateAndGetRealValue(), 0.0);
+  const ParametersDef copy = GlobalParaMeterMgr::GetAllParameters().at("a");
+  EXPECT_EQ(copy.CalculateAndGetRealValue(), 1.0) << "outside of the table: b is 0";
+}
+
+TEST_F(GlobalParameters, AVectorEndsAChain)
+{
+  Add("a", Record(1, "v"));
+  Add("v", Record(2, "a,v,1"));
+  EXPECT_EQ(ValueOf("a"), 0.0);
+  EXPECT_EQ(GlobalParaMeterMgr::GetParameterRawValue("v").toList(), (QVariantList{0.0, 0.0, 1.0}));
 }
 
 TEST_F(GlobalParameters, LongChainsRingsAndDiamondsEndWithoutDeepRecursion)
@@ -181,49 +198,98 @@ TEST_F(GlobalParameters, LongChainsRingsAndDiamondsEndWithoutDeepRecursion)
   EXPECT_EQ(ValueOf("left60"), std::ldexp(1.0, 60));
 }
 
+// What a parameter of the table names, whether it exists or not.
+QStringList NamedBy(const ParametersDef& definition)
+{
+  return definition.expression.empty() ? QStringList(definition.valueText)
+                                       : definition.expressionParameters.split(',');
+}
+
+bool IsReal(const QString& name)
+{
+  const auto& table = GlobalParaMeterMgr::GetAllParameters();
+  return table.count(name) != 0 && table.at(name).type == 1;
+}
+
+void CollectReals(const QString& name, std::set<QString>& seen)
+{
+  for (const QString& next : NamedBy(GlobalParaMeterMgr::GetAllParameters().at(name)))
+    if (IsReal(next) && seen.insert(next).second)
+      CollectReals(next, seen);
+}
+
+bool IsOnCycle(const QString& name)
+{
+  std::set<QString> below;
+  CollectReals(name, below);
+  return below.count(name) != 0;
+}
+
 // The definition, naively: each parameter computed from what it names, recursively.
 double NaiveValue(const QString& name)
 {
-  const auto& table = GlobalParaMeterMgr::GetAllParameters();
-  const auto found = table.find(name);
-  if (found == table.end())
+  if (!IsReal(name))
+    return ValueOf(name);
+  if (IsOnCycle(name))
     return 0.0;
-  const ParametersDef& definition = found->second;
+  const ParametersDef& definition = GlobalParaMeterMgr::GetAllParameters().at(name);
   if (definition.expression.empty()) {
     bool isNumber = false;
     const double number = definition.valueText.toDouble(&isNumber);
     return isNumber ? number : NaiveValue(definition.valueText);
   }
   std::map<std::string, double> variables;
-  for (const QString& part : definition.expressionParameters.split(','))
+  for (const QString& part : NamedBy(definition))
     variables[part.toStdString()] = NaiveValue(part);
   return ExpressionEngine::CalculateExpress(definition.expression, variables);
 }
 
-TEST_F(GlobalParameters, AgreeWithTheNaiveDefinitionOnRandomAcyclicTables)
+ParametersDef RandomParameter(Random& random, const QString& a, const QString& b)
+{
+  switch (random.Index(8)) {
+  case 0:
+    return Record(1, QString::number(random.Real(-5, 5)));
+  case 1:
+    return Record(0, "true");
+  case 2:
+    return Record(2, a + "," + b + ",1");
+  case 3:
+    return Record(1, a);
+  default:
+    return Expression((a + "*0.5-" + b + "+1").toStdString(), a + "," + b);
+  }
+}
+
+// Parameter i names earlier ones only, or any, itself and an unknown one included.
+void FillAtRandom(Random& random, int count, bool withCycles)
+{
+  GlobalParaMeterMgr::ClearAllParameters();
+  const auto name = [](int i) { return "p" + QString::number(i); };
+  for (int i = 0; i < count; ++i) {
+    const int choice = withCycles ? count + 1 : i + 1;
+    Add(name(i), RandomParameter(random, name(random.Index(choice) - (withCycles ? 0 : 1)),
+                                 name(random.Index(choice) - (withCycles ? 0 : 1))));
+  }
+}
+
+TEST_F(GlobalParameters, AgreeWithTheNaiveDefinitionOnRandomTables)
 {
   SCOPED_TRACE(OrvexTest::SeedNote());
   Random random(OrvexTest::Seed());
-  for (int round = 0; round < 30; ++round) {
-    GlobalParaMeterMgr::ClearAllParameters();
-    const int count = 2 + random.Index(12);
-    const auto name = [](int i) { return "p" + QString::number(i); };
-    for (int i = 0; i < count; ++i) {
-      const QString a = name(i == 0 ? 99 : random.Index(i)), b = name(random.Index(i + 1) - 1);
-      switch (random.Index(3)) {
-      case 0:
-        Add(name(i), Record(1, QString::number(random.Real(-5, 5))));
-        break;
-      case 1:
-        Add(name(i), Record(1, a));
-        break;
-      default:
-        Add(name(i), Expression((a + "*2-" + b).toStdString(), a + "," + b));
+  int onCycle = 0;
+  for (int round = 0; round < 200; ++round) {
+    const bool withCycles = round % 2 == 1;
+    FillAtRandom(random, 2 + random.Index(14), withCycles);
+    for (const auto& [name, definition] : GlobalParaMeterMgr::GetAllParameters()) {
+      EXPECT_EQ(ValueOf(name), NaiveValue(name)) << "round " << round << ", " << name.toStdString();
+      if (IsReal(name)) {
+        EXPECT_EQ(definition.CalculateAndGetRealValue(), ValueOf(name));
+        onCycle += IsOnCycle(name) ? 1 : 0;
+        EXPECT_FALSE(IsOnCycle(name) && !withCycles);
       }
     }
-    for (int i = 0; i < count; ++i)
-      EXPECT_EQ(ValueOf(name(i)), NaiveValue(name(i))) << "round " << round << ", p" << i;
   }
+  EXPECT_GT(onCycle, 100);
 }
 
 TEST_F(GlobalParameters, NamesAreCheckedOnRequestOnly)
@@ -306,6 +372,11 @@ TEST_F(GlobalParameters, ABadFileIsRefusedAndTheTableStays)
   EXPECT_FALSE(GlobalParaMeterMgr::LoadFromFile(folder.path(), &error));
   EXPECT_EQ(error, "Cannot read parameters file: " + folder.path());
   EXPECT_FALSE(GlobalParaMeterMgr::LoadFromFile(Path("bad"), nullptr));
+  ASSERT_TRUE(QFile::resize(Path("bad"), 1LL << 40)) << "all zeros, and no room on disk";
+  for (const QString& endless : {Path("bad"), QString("/dev/zero")}) {
+    EXPECT_FALSE(GlobalParaMeterMgr::LoadFromFile(endless, &error));
+    EXPECT_EQ(error, "Invalid parameters file format: " + endless);
+  }
   EXPECT_EQ(ValueOf("kept"), 4.0);
   WriteFile(Path("nothing"), "[]");
   EXPECT_TRUE(GlobalParaMeterMgr::LoadFromFile(Path("nothing"), nullptr));

@@ -1,6 +1,8 @@
 #include "step/CStepFileReader.h"
 
 #include "assembly/AssemblyTreeMgr.h"
+#include "foundation/OrvexDebugLogFile.h"
+#include "support/CommaLocale.h"
 #include "support/StepFiles.h"
 
 #include <gmock/gmock.h>
@@ -170,6 +172,21 @@ TEST_F(BoltAssembly, EachReadStartsFromEmptyResults)
   EXPECT_EQ(reader.GetLastError(), "");
 }
 
+TEST_F(BoltAssembly, LogsItsSteps)
+{
+  setenv("ORVEX_STEP_DUMP_MESSAGES", "1", 1);
+  EXPECT_TRUE(reader.TryReadStepsMapNew());
+  auto lines = OrvexDebugLogFile::GetInstance()->Lines();
+  lines.erase(lines.begin(), lines.end() - 10);
+  EXPECT_THAT(
+    lines, ElementsAre("StepReader(XCAF): start ReadFile()", "StepReader(XCAF): finish ReadFile()",
+                       "StepReader(XCAF): start Transfer()", "StepReader(XCAF): finish Transfer()",
+                       "StepReader(XCAF): imported 3 shapes", "StepReader: start to ReadFile()",
+                       "StepReader: Finish to ReadFile()", "StepReader: start to TransferRoots()",
+                       "StepReader: Finish to TransferRoots()",
+                       "StepReader: Start to iterate all shapes, all Shape number is: 3"));
+}
+
 // Two occurrences in the same place have the same hash.
 TEST(CStepFileReader, OccurrencesWithEqualHashesTakeTheirNamesInOrder)
 {
@@ -272,50 +289,12 @@ TEST(CStepFileReader, NamesAreUtf8AlsoWhenTheFileHasThemRaw)
   EXPECT_THAT(NamesIn(file.Path()), ElementsAre("Zahnrad-Größe 歯車"));
 }
 
-// A locale with a decimal comma for the length of a scope; made on the spot if the system has the
-// sources of locales but not this one.
-class CommaLocale
-{
-public:
-  CommaLocale() : folder("de_DE.UTF-8"), earlier(std::setlocale(LC_ALL, nullptr))
-  {
-    if (std::setlocale(LC_ALL, "de_DE.UTF-8") != nullptr)
-      return;
-    QFile::remove(folder.Path());
-    const std::string command =
-      "localedef -i de_DE -f UTF-8 '" + folder.Path().toStdString() + "' >/dev/null 2>&1";
-    if (std::system(command.c_str()) != 0)
-      return;
-    const auto parent = std::filesystem::path(folder.Path().toStdString()).parent_path();
-    setenv("LOCPATH", parent.c_str(), 1);
-    std::setlocale(LC_ALL, "de_DE.UTF-8");
-    unsetenv("LOCPATH");
-  }
-  ~CommaLocale()
-  {
-    std::setlocale(LC_ALL, earlier.c_str());
-  }
-  CommaLocale(const CommaLocale&) = delete;
-  CommaLocale& operator=(const CommaLocale&) = delete;
-
-  bool IsThere() const
-  {
-    return *std::localeconv()->decimal_point == ',';
-  }
-
-private:
-  ScratchFile folder;
-  std::string earlier;
-};
-
 TEST(CStepFileReader, ReadsTheSameUnderALocaleWithDecimalComma)
 {
   const ScratchFile file("bolts.step");
   OrvexTest::WriteBoltAssembly(file);
   OrvexTest::ReplaceInFile(file, "(100.,0.,0.)", "(100.25,0.,0.)");
-  const CommaLocale locale;
-  if (!locale.IsThere())
-    GTEST_SKIP() << "no locale with a decimal comma, and localedef could not make one";
+  const OrvexTest::CommaLocale locale;
   CStepFileReader reader;
   reader.SetInputFileName(file.Path());
   ASSERT_TRUE(reader.ReadSynchronously());

@@ -197,6 +197,19 @@ TEST_F(IsolatedReadOf, StagesEndWithTheHandOver)
   EXPECT_THAT(stages, testing::ElementsAre("parse", "transfer", "collect", "hand-over"));
 }
 
+TEST_F(IsolatedReadOf, TheReportSaysWhyAFileCannotBeParsed)
+{
+  file.SetContent(file.Content().substr(0, 5000));
+  Orvex::StepReadOptions options = Isolated();
+  options.collectReport = true;
+  reader.SetReadOptions(options);
+  EXPECT_EQ(ErrorOfRead(), "XCAF ReadFile failed");
+  EXPECT_FALSE(reader.GetReadReport().collected);
+  ASSERT_EQ(reader.GetReadReport().messages.size(), 1U);
+  EXPECT_THAT(reader.GetReadReport().messages[0].text,
+              testing::MatchesRegex(".*Line [0-9]+: Incorrect syntax: unexpected end of file.*"));
+}
+
 TEST_F(IsolatedReadOf, TheKernelsChatterStaysInTheWorker)
 {
   file.SetContent(file.Content().substr(0, 5000));
@@ -205,6 +218,15 @@ TEST_F(IsolatedReadOf, TheKernelsChatterStaysInTheWorker)
   EXPECT_EQ(ErrorOfRead(), "XCAF ReadFile failed");
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
+TEST_F(IsolatedReadOf, LinesOfTheDebugLogReachItsFile)
+{
+  const ScratchFile log("debug.log");
+  setenv("ORVEX_DEBUG_LOG", log.Path().toUtf8().constData(), 1);
+  EXPECT_TRUE(reader.ReadSynchronously());
+  unsetenv("ORVEX_DEBUG_LOG");
+  EXPECT_THAT(log.Content(), testing::HasSubstr("StepReader(XCAF): imported 3 shapes\n"));
 }
 
 // A pipe that nobody writes to: the worker hangs in opening it.

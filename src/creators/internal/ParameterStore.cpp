@@ -4,8 +4,8 @@
 #include "document/LabelScheme.h"
 #include "foundation/UserMessage.h"
 
+#include <QObject>
 #include <TDF_ChildIterator.hxx>
-#include <TDataStd_AsciiString.hxx>
 #include <TDataStd_BooleanList.hxx>
 #include <TDataXtd_Shape.hxx>
 
@@ -24,18 +24,14 @@ struct Overloaded : Cases...
 template <typename... Cases>
 Overloaded(Cases...) -> Overloaded<Cases...>;
 
-// The kernel's shape attribute must be the first on its label.
+// TDataXtd_Shape::Set makes its attribute on an empty label only, and throws on one that has a
+// name.
 void SetShape(const TDF_Label& parameter, const TopoDS_Shape& shape)
 {
-  const auto name = NameOf(parameter);
-  if (!parameter.IsAttribute(TDataXtd_Shape::GetID())) {
-    parameter.ForgetAttribute(TDataStd_AsciiString::GetID());
-    TDataXtd_Shape::New(parameter);
-  }
+  if (!parameter.IsAttribute(TDataXtd_Shape::GetID()))
+    parameter.AddAttribute(new TDataXtd_Shape());
   if (!shape.IsNull())
     TDataXtd_Shape::Set(parameter, shape);
-  if (name)
-    SetName(parameter, *name);
 }
 
 void StoreReal(const TDF_Label& parameter, StoreRule rule, double value)
@@ -43,7 +39,8 @@ void StoreReal(const TDF_Label& parameter, StoreRule rule, double value)
   if (rule == StoreRule::Always || value > 0.0)
     SetReal(parameter, value);
   else if (rule == StoreRule::PositiveOrMessage)
-    ShowUserMessage("Error", "Negative Value");
+    ShowUserMessage(QObject::tr("Error").toStdString(),
+                    QObject::tr("Negative Value").toStdString());
 }
 
 // Old children beyond the new points stay as empty labels: a tag is never used for something else.

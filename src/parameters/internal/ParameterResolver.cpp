@@ -1,147 +1,132 @@
 #include "parameters/internal/ParameterResolver.h"
 
 #include "parameters/ExpressionEngine.h"
-
-#include <QStringList>
+#include "parameters/GlobalParaMeterMgr.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
 
 namespace Orvex {
 
 namespace {
 
-using Table = GlobalParaMeterMgr::Table;
-
-// Finds the strongly connected components of the real parameters below one of them and evaluates
-// each component when it is complete, so that what a parameter depends on has its value before it.
-// A component of several parameters, or of one that names itself, is a cycle: its values are 0.
-// Source: R. Tarjan, Depth-first search and linear graph algorithms, 1972; with a stack of its own
-// in the place of recursion.
-class Resolver
+QStringList ReferencesOf(const ParametersDef& record)
 {
-public:
-  explicit Resolver(const Table& parameters) : table(parameters)
-  {}
-
-  double Resolve(const QString& root)
-  {
-    Enter(root);
-    while (!path.empty())
-      Step();
-    return nodes.at(root).value;
-  }
-
-private:
-  struct Node
-  {
-    const ParametersDef* definition = nullptr;
-    QStringList references;
-    qsizetype next = 0; // of the references
-    int index = 0;      // order of discovery
-    int lowest = 0;     // lowest index known to be reachable
-    bool open = true;   // its component is not complete
-    bool namesItself = false;
-    double value = 0.0;
-  };
-
-  bool IsReal(const QString& name) const
-  {
-    const auto found = table.find(name);
-    return found != table.end() && found->second.type == eREAL_PARAMETER;
-  }
-
-  void Enter(const QString& name)
-  {
-    Node& node = nodes[name];
-    node.definition = &table.at(name);
-    node.references = ReferencesOf(*node.definition);
-    node.index = node.lowest = static_cast<int>(nodes.size());
-    path.push_back(name);
-    component.push_back(name);
-  }
-
-  void Step()
-  {
-    Node& node = nodes.at(path.back());
-    if (node.next < node.references.size())
-      Follow(node, node.references[node.next++]);
-    else
-      Leave(node);
-  }
-
-  void Follow(Node& node, const QString& reference)
-  {
-    if (!IsReal(reference))
-      return;
-    const auto known = nodes.find(reference);
-    if (known == nodes.end())
-      return Enter(reference);
-    if (known->second.open)
-      node.lowest = std::min(node.lowest, known->second.index);
-    node.namesItself = node.namesItself || &known->second == &node;
-  }
-
-  void Leave(Node& node)
-  {
-    const QString name = path.back();
-    path.pop_back();
-    if (!path.empty())
-      nodes.at(path.back()).lowest = std::min(nodes.at(path.back()).lowest, node.lowest);
-    if (node.lowest == node.index)
-      Complete(name);
-  }
-
-  void Complete(const QString& first)
-  {
-    const auto begin = std::find(component.rbegin(), component.rend(), first).base() - 1;
-    for (auto member = begin; member != component.end(); ++member)
-      nodes.at(*member).open = false;
-    Node& node = nodes.at(first);
-    if (component.end() - begin == 1 && !node.namesItself)
-      node.value = ValueOf(*node.definition, node.references);
-    component.erase(begin, component.end());
-  }
-
-  double ValueOf(const ParametersDef& definition, const QStringList& references) const
-  {
-    if (definition.expression.empty())
-      return references.isEmpty() ? definition.valueText.trimmed().toDouble()
-                                  : ValueOfName(references.front());
-    std::map<std::string, double> variables;
-    for (const QString& reference : references)
-      variables[reference.toStdString()] = ValueOfName(reference);
-    return ExpressionEngine::CalculateExpress(definition.expression, variables);
-  }
-
-  double ValueOfName(const QString& name) const
-  {
-    const auto node = nodes.find(name);
-    return node != nodes.end() ? node->second.value
-                               : GlobalParaMeterMgr::GetParameterRawValue(name).toDouble();
-  }
-
-  const Table& table;
-  std::unordered_map<QString, Node> nodes;
-  std::vector<QString> path;
-  std::vector<QString> component;
-};
-
-} // namespace
-
-QStringList ReferencesOf(const ParametersDef& definition)
-{
-  if (!definition.expression.empty())
-    return definition.expressionParameters.split(QLatin1Char(','), Qt::KeepEmptyParts,
-                                                 Qt::CaseSensitive);
-  const QString text = definition.valueText.trimmed();
+  if (!record.expression.empty())
+    return record.expressionParameters.split(QLatin1Char(','), Qt::KeepEmptyParts,
+                                             Qt::CaseSensitive);
+  const QString text = record.valueText.trimmed();
   bool isNumber = false;
   text.toDouble(&isNumber);
   return isNumber ? QStringList() : QStringList(text);
 }
 
-double ResolveReal(const Table& table, const QString& name)
+const ParametersDef* FindParameter(const QString& name)
 {
-  return Resolver(table).Resolve(name);
+  const auto& table = GlobalParaMeterMgr::GetAllParameters();
+  const auto found = table.find(name);
+  return found == table.end() ? nullptr : &found->second;
+}
+
+bool IsReal(const ParametersDef* record)
+{
+  return record != nullptr && record->type == eREAL_PARAMETER;
+}
+
+} // namespace
+
+double ParameterResolver::ValueOf(const ParametersDef& record)
+{
+  Node& asked = Visit(record);
+  while (!path.empty()) {
+    Node& node = *path.back();
+    if (node.nextReference < node.references.size())
+      Advance(node);
+    else
+      Leave(node);
+  }
+  return asked.value;
+}
+
+double ParameterResolver::ValueOf(const QString& text)
+{
+  const QString trimmed = text.trimmed();
+  bool isNumber = false;
+  const double number = trimmed.toDouble(&isNumber);
+  if (isNumber)
+    return number;
+  const ParametersDef* record = FindParameter(trimmed);
+  return IsReal(record) ? ValueOf(*record) : ReferenceValue(trimmed);
+}
+
+ParameterResolver::Node& ParameterResolver::Visit(const ParametersDef& record)
+{
+  Node& node = nodes[&record];
+  if (node.order != kUnseen)
+    return node;
+  node.record = &record;
+  node.references = ReferencesOf(record);
+  node.order = node.lowest = ++discovered;
+  path.push_back(&node);
+  component.push_back(&node);
+  return node;
+}
+
+void ParameterResolver::Advance(Node& node)
+{
+  const ParametersDef* target = FindParameter(node.references[node.nextReference++]);
+  if (!IsReal(target))
+    return;
+  // A parameter whose value stands has the greatest order and so changes nothing here.
+  node.leadsToItself |= target == node.record;
+  node.lowest = std::min(node.lowest, Visit(*target).order);
+}
+
+void ParameterResolver::Leave(Node& node)
+{
+  path.pop_back();
+  if (!path.empty())
+    path.back()->lowest = std::min(path.back()->lowest, node.lowest);
+  if (node.lowest == node.order)
+    CloseComponent(node);
+}
+
+void ParameterResolver::CloseComponent(Node& root)
+{
+  const bool isCycle = root.leadsToItself || component.back() != &root;
+  if (!isCycle)
+    root.value = Compute(root);
+  Node* member = nullptr;
+  do {
+    member = component.back();
+    component.pop_back();
+    member->order = member->lowest = kDone;
+  } while (member != &root);
+}
+
+double ParameterResolver::Compute(const Node& node)
+{
+  if (node.record->expression.empty())
+    return node.references.isEmpty() ? node.record->valueText.trimmed().toDouble()
+                                     : ReferenceValue(node.references.front());
+  std::map<std::string, double> variables;
+  for (const QString& name : node.references)
+    variables[name.toStdString()] = ReferenceValue(name);
+  return ExpressionEngine::CalculateExpress(node.record->expression, variables);
+}
+
+double ParameterResolver::ReferenceValue(const QString& name)
+{
+  const ParametersDef* record = FindParameter(name);
+  if (record == nullptr)
+    return 0.0;
+  if (IsReal(record))
+    return nodes.at(record).value;
+  // A vector is no number, and asking for its value would lead back here.
+  return record->type == eBOOLEAN_PARAMETER
+           ? GlobalParaMeterMgr::GetParameterRawValue(name).toDouble()
+           : 0.0;
 }
 
 } // namespace Orvex

@@ -16,12 +16,11 @@ AssemblyTransform PlacementOf(const TDF_Label& label)
     return placement;
   const gp_Trsf motion = location.Transformation();
   const gp_Mat rotation = motion.VectorialPart();
-  for (int row = 0; row < 3; ++row) {
-    for (int column = 0; column < 3; ++column)
-      placement.matrix[static_cast<std::size_t>(4 * row + column)] =
-        rotation.Value(row + 1, column + 1);
-    placement.matrix[static_cast<std::size_t>(4 * row + 3)] =
-      motion.TranslationPart().Coord(row + 1);
+  double* cell = placement.matrix.data();
+  for (int row = 1; row <= 3; ++row) {
+    for (int column = 1; column <= 3; ++column)
+      *cell++ = rotation.Value(row, column);
+    *cell++ = motion.TranslationPart().Coord(row);
   }
   return placement;
 }
@@ -102,8 +101,9 @@ AssemblyTreeNode ProductTree::LeafOf(const TDF_Label& component, const TDF_Label
 std::string ProductTree::Define(const TDF_Label& product, const std::string& name,
                                 const std::string& shapeName)
 {
-  const std::string key = EntryOf(product);
-  const auto [place, isNew] = definitions.try_emplace(key, key, name, shapeName);
+  std::string key = EntryOf(product);
+  const auto [place, isNew] =
+    definitions.try_emplace(key, AssemblyPartDefinition{key, name, shapeName});
   if (!isNew) {
     FillIfEmpty(place->second.name, name);
     FillIfEmpty(place->second.shapeName, shapeName);

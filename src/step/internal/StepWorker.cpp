@@ -1,8 +1,13 @@
 #include "step/internal/StepWorker.h"
 
+#include "foundation/OrvexDebugLogFile.h"
 #include "step/CStepFileReader.h"
 #include "step/internal/ReadOutcome.h"
 #include "step/internal/WorkerProtocol.h"
+
+#include <Message.hxx>
+#include <Message_Messenger.hxx>
+#include <Message_Printer.hxx>
 
 #include <cerrno>
 #include <csignal>
@@ -45,6 +50,33 @@ void WriteProgress(const StepProgress& progress)
   WriteAll(BytesOf(progress.fraction));
   WriteAll(progress.stage);
 }
+
+// The kernel tells why it cannot parse a file to its messenger only. In a process of its own that
+// can be listened to.
+class FailureListener : public Message_Printer
+{
+  DEFINE_STANDARD_RTTI_INLINE(FailureListener, Message_Printer)
+
+public:
+  std::vector<StepMessage> TakeMessages()
+  {
+    return std::move(messages);
+  }
+
+protected:
+  void send(const TCollection_AsciiString& text, const Message_Gravity gravity) const override
+  {
+    if (gravity < Message_Alarm)
+      return;
+    StepMessage message;
+    message.text = QString::fromUtf8(text.ToCString()).remove('*').trimmed().toStdString();
+    message.isFailure = true;
+    messages.push_back(std::move(message));
+  }
+
+private:
+  mutable std::vector<StepMessage> messages;
+};
 
 } // namespace
 
@@ -93,12 +125,17 @@ int RunStepWorker(int argumentCount, char** arguments)
     RequestFrom(std::vector<std::string>(arguments + 1, arguments + argumentCount));
   if (!request)
     return kExitBadRequest;
+  const Handle(FailureListener) listener = new FailureListener;
+  Message::DefaultMessenger()->AddPrinter(listener);
   WorkerRead read(*request);
   ReadOutcome outcome = read.Run();
+  if (request->collectReport && !outcome.report.collected)
+    outcome.report.messages = listener->TakeMessages();
   std::ostringstream stream;
   stream.imbue(std::locale::classic());
   WriteOutcome(outcome, stream);
   const std::string bytes = std::move(stream).str();
+  OrvexDebugLogFile::GetInstance()->Flush(); // whoever has the outcome ends this process
   WriteHead(kOutcomeFrame, bytes.size());
   WriteAll(bytes);
   // After a fault the kernel's own clean-up may go down, and there is nothing left to clean up.
