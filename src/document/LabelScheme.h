@@ -3,10 +3,12 @@
 //
 // A shape label is a top-level label of the document's XCAFDoc_ShapeTool:
 //
-//   the label            TDataStd_AsciiString: display name; the shape itself (the tool's
-//   attributes) child 1              "Type" and the primitive type code children 2 to 8      the
-//   common attributes children from 9      the parameters of its kind, one child each child 9001
-//   feature meta children from 9002   sub-shapes that the kernel's AddSubShape is asked to name
+// - the label: TDataStd_AsciiString, its display name; the shape itself (the tool's attributes)
+// - child 1: "Type" and the primitive type code
+// - children 2 to 8: the common attributes
+// - children from 9: the parameters of its kind, one child each
+// - child 9001: feature meta
+// - children from 9002: sub-shapes that the kernel's AddSubShape is asked to name
 //
 // Beware: the kernel takes the tags of sub-shapes and of assembly components from a TDF_TagSource
 // on the same label, which starts at 1. On a label that was not prepared, the first sub-shape is
