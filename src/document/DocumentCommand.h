@@ -33,11 +33,14 @@ public:
   DocumentCommand(const DocumentCommand&) = delete;
   DocumentCommand& operator=(const DocumentCommand&) = delete;
 
-  void Commit()
+  // Returns: whether the command was opened here and so is committed now.
+  bool Commit()
   {
-    if (opened)
+    const bool mine = opened;
+    if (mine)
       document->CommitCommand();
     opened = false;
+    return mine;
   }
 
 private:

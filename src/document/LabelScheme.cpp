@@ -1,6 +1,7 @@
 #include "document/LabelScheme.h"
 
 #include <TDF_TagSource.hxx>
+#include <TDF_Tool.hxx>
 #include <TDataStd_AsciiString.hxx>
 #include <TDataStd_BooleanList.hxx>
 #include <TDataStd_Integer.hxx>
@@ -25,6 +26,15 @@ Handle(Attribute) Find(const TDF_Label& label)
 gp_Pnt DefaultColor()
 {
   return gp_Pnt(0.7, 0.2, 0.8);
+}
+
+std::string EntryOf(const TDF_Label& label)
+{
+  if (label.IsNull())
+    return {};
+  TCollection_AsciiString entry;
+  TDF_Tool::Entry(label, entry);
+  return entry.ToCString();
 }
 
 std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label)

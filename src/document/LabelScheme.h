@@ -80,6 +80,10 @@ enum PrimitiveType : int {
   kTypeExtrudeLoop = 23
 };
 
+// Where a label stands in its document, as "0:1:1:3"; empty for a null label. The text is the same
+// in every session.
+ORVEX_API std::string EntryOf(const TDF_Label& label);
+
 // The name of a label: its TDataStd_AsciiString. The setter creates the attribute if missing.
 ORVEX_API std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label);
 ORVEX_API bool HasName(const TDF_Label& label, const TCollection_AsciiString& name);

@@ -1,7 +1,6 @@
 #include "features/ParametricFeatureManager.h"
 
-#include <TCollection_AsciiString.hxx>
-#include <TDF_Tool.hxx>
+#include "document/LabelScheme.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -11,13 +10,25 @@ namespace {
 
 using DependentsMap = std::unordered_map<std::string, std::vector<std::string>>;
 
-void AddEdge(DependentsMap& dependents, const std::string& source, const std::string& feature)
+bool Contains(const std::vector<std::string>& list, const std::string& key)
 {
-  if (source.empty())
-    return;
-  auto& list = dependents[source];
-  if (std::find(list.begin(), list.end(), feature) == list.end())
-    list.push_back(feature);
+  return std::find(list.begin(), list.end(), key) != list.end();
+}
+
+// Edges of the feature's earlier registration stand already; without one, an edge can only stand
+// as the last of its list. So hundreds of thousands of consumers of one feature cost no search.
+void AddEdges(DependentsMap& dependents, const std::vector<std::string>& sources,
+              const std::vector<std::string>* earlierSources, const std::string& feature)
+{
+  for (const std::string& source : sources) {
+    if (source.empty() || (earlierSources != nullptr && Contains(*earlierSources, source)))
+      continue;
+    auto& list = dependents[source];
+    const bool known =
+      earlierSources != nullptr ? Contains(list, feature) : !list.empty() && list.back() == feature;
+    if (!known)
+      list.push_back(feature);
+  }
 }
 
 std::vector<std::string> DependentsOf(const DependentsMap& dependents, const std::string& source)
@@ -55,11 +66,7 @@ bool ParametricFeatureManager::IsEnabled() const
 
 std::string ParametricFeatureManager::MakeLabelKey(const TDF_Label& label)
 {
-  if (label.IsNull())
-    return "__null_label__";
-  TCollection_AsciiString entry;
-  TDF_Tool::Entry(label, entry);
-  return entry.ToCString();
+  return label.IsNull() ? std::string("__null_label__") : Orvex::EntryOf(label);
 }
 
 void ParametricFeatureManager::RegisterFeature(const TDF_Label& label, const FeatureInfo& info)
@@ -68,23 +75,21 @@ void ParametricFeatureManager::RegisterFeature(const TDF_Label& label, const Fea
   std::string key = MakeLabelKey(label);
   if (key.empty())
     key = info.key;
+  const auto earlier = features.find(key);
+  const bool isNew = earlier == features.end();
+  AddEdges(paramDependents, info.paramDependencies,
+           isNew ? nullptr : &earlier->second.paramDependencies, key);
+  AddEdges(featureDependents, info.featureDependencies,
+           isNew ? nullptr : &earlier->second.featureDependencies, key);
   features[key] = info;
-  for (const std::string& parameter : info.paramDependencies)
-    addParamDependents(parameter, key);
-  for (const std::string& feature : info.featureDependencies)
-    addFeatureDependents(feature, key);
 }
 
-void ParametricFeatureManager::addFeatureDependents(const std::string& dependency,
-                                                    const std::string& feature)
+void ParametricFeatureManager::SetEnabled(bool on)
 {
-  AddEdge(featureDependents, dependency, feature);
-}
-
-void ParametricFeatureManager::addParamDependents(const std::string& parameter,
-                                                  const std::string& feature)
-{
-  AddEdge(paramDependents, parameter, feature);
+  const bool switchedOn = on && !enabled;
+  enabled = on;
+  if (switchedOn)
+    rebuildDependenciesFromHistory();
 }
 
 const ParametricFeatureManager::FeatureInfo*
@@ -92,6 +97,15 @@ ParametricFeatureManager::FindFeature(const std::string& key) const
 {
   const auto found = features.find(key);
   return found == features.end() ? nullptr : &found->second;
+}
+
+std::vector<std::string> ParametricFeatureManager::RegisteredFeatureKeys() const
+{
+  std::vector<std::string> keys;
+  keys.reserve(features.size());
+  for (const auto& [key, info] : features)
+    keys.push_back(key);
+  return keys;
 }
 
 std::vector<std::string>
@@ -104,4 +118,15 @@ std::vector<std::string>
 ParametricFeatureManager::DependentsOfFeature(const std::string& featureKey) const
 {
   return DependentsOf(featureDependents, featureKey);
+}
+
+void ParametricFeatureManager::ClearRegisteredState()
+{
+  features = {};
+  paramExpressions = {};
+  paramDependents = {};
+  featureDependents = {};
+  dirtyFeatures = {};
+  ClearLastRebuildTrace();
+  pendingParametricTransaction = false;
 }

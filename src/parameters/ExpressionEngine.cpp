@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -70,22 +71,81 @@ bool IsTooDeep(const std::string& expression)
   });
 }
 
+// What the parser is given: names that it takes, and the values in their order.
+class ParserVariables
+{
+public:
+  // Finding out which names are functions takes a call of the parser for each.
+  enum class Functions { Unlikely, Recognized };
+
+  ParserVariables(const std::map<std::string, double>& variables_, Functions functions)
+      : variables(variables_)
+  {
+    for (const auto& [name, value] : variables) {
+      std::string written = WrittenName(name);
+      if (functions == Functions::Recognized && !IsTaken(written))
+        written.push_back('_');
+      if (functions == Functions::Unlikely || IsTaken(written))
+        Add(name, written, value);
+    }
+  }
+
+  std::string names;
+  std::vector<double> values;
+
+private:
+  static bool IsTaken(const std::string& name)
+  {
+    return FunctionParser().Parse("0", name, false) < 0;
+  }
+
+  static bool IsNameCharacter(unsigned char c)
+  {
+    return c == '_' || c >= 0x80 || std::isalnum(c);
+  }
+
+  static std::string WrittenName(const std::string& name)
+  {
+    std::string written = name;
+    for (char& c : written)
+      if (!IsNameCharacter(static_cast<unsigned char>(c)))
+        c = '_';
+    if (!written.empty() && std::isdigit(static_cast<unsigned char>(written.front())))
+      written.insert(0, 1, '_');
+    return written;
+  }
+
+  // A name as it is comes before one that only looks like it when written.
+  void Add(const std::string& name, const std::string& written, double value)
+  {
+    if (written.empty() || (written != name && variables.count(written) != 0) ||
+        !added.insert(written).second)
+      return;
+    if (!names.empty())
+      names.push_back(',');
+    names.append(written);
+    values.push_back(value);
+  }
+
+  const std::map<std::string, double>& variables;
+  std::set<std::string> added;
+};
+
 bool Evaluate(const std::string& expression, const std::map<std::string, double>& variables,
               double& result)
 {
-  std::string names;
-  std::vector<double> values;
-  for (const auto& [name, value] : variables) {
-    if (!values.empty())
-      names.push_back(',');
-    names.append(name);
-    values.push_back(value);
-  }
   const Orvex::ScopedNumericLocale pointedNumbers;
   FunctionParser parser;
-  if (parser.Parse(expression, names, false) >= 0)
+  ParserVariables given(variables, ParserVariables::Functions::Unlikely);
+  int errorPlace = parser.Parse(expression, given.names, false);
+  if (errorPlace >= 0 && parser.GetParseErrorType() == FunctionParser::INVALID_VARS) {
+    ParserVariables renamed(variables, ParserVariables::Functions::Recognized);
+    errorPlace = parser.Parse(expression, renamed.names, false);
+    std::swap(given.values, renamed.values);
+  }
+  if (errorPlace >= 0)
     return false;
-  result = parser.Eval(values.data());
+  result = parser.Eval(given.values.data());
   return parser.EvalError() == 0 && std::isfinite(result);
 }
 

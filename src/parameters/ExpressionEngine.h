@@ -16,6 +16,11 @@ public:
   static constexpr int kDeepestNesting = 500;
   static constexpr std::size_t kLongestExpression = 1 << 20;
 
+  // A variable whose name the parser does not take as it is goes by another: each character that is
+  // no letter, digit or underscore is written as an underscore, a name that begins with a digit
+  // gets one in front, the name of a function one behind: Bottom_Radius, _2nd, min_. If another
+  // variable has that name already, it keeps it, and the first is left out.
+  //
   // Every call parses anew. The result is 0 until a value was computed, and holds it also when the
   // call fails because of it.
   // Returns: false for no variables at all (also for a constant expression), a syntax error, an

@@ -88,6 +88,6 @@ void OrvexStepReader::readStepsCAF()
 std::string OrvexStepReader::getLabelName(const TDF_Label& label) const
 {
   opencascade::handle<TDataStd_Name> name;
-  return label.FindAttribute(TDataStd_Name::GetID(), name) ? Orvex::NameOf(label)
+  return label.FindAttribute(TDataStd_Name::GetID(), name) ? Orvex::ProductNameOf(label)
                                                            : Orvex::EntryOf(label);
 }

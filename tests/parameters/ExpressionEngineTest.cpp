@@ -91,7 +91,7 @@ TEST(ExpressionEngine, OffersTheDocumentedOperatorsAndFunctions)
 
 TEST(ExpressionEngine, FailsOrderly)
 {
-  Variables none, x{{"x", 0.0}}, blank{{"Bottom Radius", 1.0}}, function{{"min", 1.0}};
+  Variables none, x{{"x", 0.0}};
   double result = 7;
   EXPECT_FALSE(ExpressionEngine::TryCalculateExpress("2*3", none, result));
   EXPECT_EQ(result, 0.0);
@@ -104,8 +104,27 @@ TEST(ExpressionEngine, FailsOrderly)
   x["x"] = 1e308;
   EXPECT_FALSE(ExpressionEngine::TryCalculateExpress("x*10", x, result));
   EXPECT_TRUE(std::isinf(result));
-  EXPECT_FALSE(ExpressionEngine::TryCalculateExpress("1", blank, result));
-  EXPECT_FALSE(ExpressionEngine::TryCalculateExpress("1", function, result));
+}
+
+TEST(ExpressionEngine, NamesThatTheParserDoesNotTakeGoByAnother)
+{
+  const Variables odd{
+    {"Bottom Radius", 2.0}, {"2nd", 3.0},   {"min", 5.0},    {"", 7.0},  {"a-b", 11.0},
+    {"a_b", 13.0},          {"höhe", 17.0}, {"c\xff", 19.0}, {"x", 23.0}};
+  const auto valueOf = [&odd](const char* expression) {
+    Variables variables = odd;
+    return ExpressionEngine::CalculateExpress(expression, variables);
+  };
+  EXPECT_EQ(valueOf("Bottom_Radius+x"), 25);
+  EXPECT_EQ(valueOf("_2nd"), 3);
+  EXPECT_EQ(valueOf("min(x, 4)+min_"), 9);
+  EXPECT_EQ(valueOf("a_b"), 13) << "a name as it is comes first";
+  EXPECT_EQ(valueOf("höhe"), 17);
+  EXPECT_EQ(valueOf("Bottom Radius"), 0);
+  Variables onlyOdd{{"c\xff", 1.0}};
+  double result = 0;
+  EXPECT_TRUE(ExpressionEngine::TryCalculateExpress("6*7", onlyOdd, result));
+  EXPECT_EQ(result, 42);
 }
 
 // Each of these would end the process if the parser were let at it.

@@ -4,6 +4,7 @@
 #include "document/ShapeDocMgr.h"
 
 #include <BRepTools.hxx>
+#include <BRep_Builder.hxx>
 #include <BinXCAFDrivers.hxx>
 #include <PCDM_ReaderStatus.hxx>
 #include <PCDM_StoreStatus.hxx>
@@ -81,9 +82,7 @@ std::string Dump(const TDF_Label& label, bool withShapes)
   // A bare label stays behind when what stood on it is undone; it holds nothing.
   if (dump.empty())
     return dump;
-  TCollection_AsciiString entry;
-  TDF_Tool::Entry(label, entry);
-  return std::string(entry.ToCString()) + "\n" + dump;
+  return Orvex::EntryOf(label) + "\n" + dump;
 }
 
 } // namespace
@@ -148,6 +147,14 @@ std::string BrepOf(const TopoDS_Shape& shape)
   std::ostringstream out;
   BRepTools::Write(shape, out);
   return out.str();
+}
+
+std::string ReadBrepOf(const TopoDS_Shape& shape)
+{
+  std::istringstream in(BrepOf(shape));
+  TopoDS_Shape read;
+  BRepTools::Read(read, in, BRep_Builder());
+  return BrepOf(read);
 }
 
 std::string TemporaryPath(const std::string& name)

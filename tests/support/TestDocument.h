@@ -45,6 +45,9 @@ testing::AssertionResult SameDump(const std::string& left, const std::string& ri
 // The shape's BREP text.
 std::string BrepOf(const TopoDS_Shape& shape);
 
+// The same as it is after being read once: reading sets flags of its own.
+std::string ReadBrepOf(const TopoDS_Shape& shape);
+
 // A path in the test's temporary folder, unique in the process.
 std::string TemporaryPath(const std::string& name);
 

@@ -7,7 +7,6 @@
 #include "model/ShapeRecord.h"
 
 #include <Quantity_Color.hxx>
-#include <TDF_Tool.hxx>
 #include <TDataStd_Name.hxx>
 #include <XCAFDoc_ColorTool.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
@@ -35,13 +34,6 @@ QString DisplayName(const TDF_Label& label)
 {
   const auto name = NameOf(label);
   return name ? TextFromBytes(name->ToCString()) : WordOn(label);
-}
-
-std::string Entry(const TDF_Label& label)
-{
-  TCollection_AsciiString entry;
-  TDF_Tool::Entry(label, entry);
-  return entry.ToCString();
 }
 
 // Our own attribute counts before the kernel's.
@@ -107,7 +99,7 @@ public:
     TDF_Label product = placed;
     XCAFDoc_ShapeTool::GetReferredShape(placed, product);
     AssemblyTreeNode node;
-    node.id = Entry(placed);
+    node.id = EntryOf(placed);
     node.transform = PlacementOf(placed);
     node.name = NameOf(placed, product);
     node.isAssembly = XCAFDoc_ShapeTool::IsAssembly(product);
@@ -135,7 +127,7 @@ private:
 
   void Define(AssemblyTreeNode& node, const TDF_Label& product)
   {
-    node.partId = Entry(product);
+    node.partId = EntryOf(product);
     node.shapeName = node.partId;
     definitions.try_emplace(node.partId, node.partId, node.name, node.shapeName);
   }
@@ -148,7 +140,7 @@ private:
 QJsonObject ShapeLabelJson(const TDF_Label& label)
 {
   const TopoDS_Shape shape = XCAFDoc_ShapeTool::GetShape(label);
-  QJsonObject json{{"id", TextFromBytes(Entry(label))}, {"name", DisplayName(label)}};
+  QJsonObject json{{"id", TextFromBytes(EntryOf(label))}, {"name", DisplayName(label)}};
   if (!shape.IsNull())
     json.insert("shape", ShapeWord(shape));
   if (const auto typeCode = ValidTypeOf(label))

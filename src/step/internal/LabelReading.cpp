@@ -2,13 +2,12 @@
 
 #include <TCollection_AsciiString.hxx>
 #include <TDF_LabelSequence.hxx>
-#include <TDF_Tool.hxx>
 #include <TDataStd_Name.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
 namespace Orvex {
 
-std::string NameOf(const TDF_Label& label)
+std::string ProductNameOf(const TDF_Label& label)
 {
   opencascade::handle<TDataStd_Name> name;
   if (!label.FindAttribute(TDataStd_Name::GetID(), name))
@@ -17,17 +16,10 @@ std::string NameOf(const TDF_Label& label)
   return {text.ToCString(), static_cast<std::size_t>(text.Length())};
 }
 
-std::string NameOf(const TDF_Label& label, const TDF_Label& fallback)
+std::string ProductNameOf(const TDF_Label& label, const TDF_Label& fallback)
 {
-  std::string name = NameOf(label);
-  return name.empty() && !fallback.IsNull() ? NameOf(fallback) : name;
-}
-
-std::string EntryOf(const TDF_Label& label)
-{
-  TCollection_AsciiString entry;
-  TDF_Tool::Entry(label, entry);
-  return entry.ToCString();
+  std::string name = ProductNameOf(label);
+  return name.empty() && !fallback.IsNull() ? ProductNameOf(fallback) : name;
 }
 
 std::optional<Quantity_Color> ColorOf(const opencascade::handle<XCAFDoc_ColorTool>& tool,

@@ -1,6 +1,8 @@
 // What the walks over an imported document ask of its labels.
 #pragma once
 
+#include "document/LabelScheme.h"
+
 #include <Quantity_Color.hxx>
 #include <TDF_Label.hxx>
 #include <TopoDS_Shape.hxx>
@@ -15,12 +17,10 @@
 namespace Orvex {
 
 // UTF-8; empty when the label has no name.
-std::string NameOf(const TDF_Label& label);
+std::string ProductNameOf(const TDF_Label& label);
 
 // The first name that is not empty.
-std::string NameOf(const TDF_Label& label, const TDF_Label& fallback);
-
-std::string EntryOf(const TDF_Label& label);
+std::string ProductNameOf(const TDF_Label& label, const TDF_Label& fallback);
 
 // The first colour found: each label in order, on each as surface colour, then as generic colour.
 std::optional<Quantity_Color> ColorOf(const opencascade::handle<XCAFDoc_ColorTool>& tool,

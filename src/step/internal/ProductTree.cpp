@@ -61,7 +61,7 @@ AssemblyTreeNode ProductTree::NodeOf(const TDF_Label& label, const TDF_Label& oc
   node.isAssembly = XCAFDoc_ShapeTool::IsAssembly(label);
   node.id = EntryOf(placed);
   node.transform = PlacementOf(placed);
-  node.name = NameOf(label, occurrence);
+  node.name = ProductNameOf(label, occurrence);
   if (node.isAssembly) {
     FillIfEmpty(node.name, "Assembly");
     const auto components = ComponentsOf(label);
@@ -90,7 +90,7 @@ AssemblyTreeNode ProductTree::LeafOf(const TDF_Label& component, const TDF_Label
 {
   AssemblyTreeNode leaf;
   leaf.id = EntryOf(component);
-  leaf.name = NameOf(product, component);
+  leaf.name = ProductNameOf(product, component);
   leaf.shapeName = collector.TakeNameOf(XCAFDoc_ShapeTool::GetShape(component));
   leaf.transform = PlacementOf(component);
   leaf.partId = Define(product, leaf.name, leaf.shapeName);

@@ -188,12 +188,12 @@ void ReportDocument(const TDocStd_Document& document, StepReadReport& report)
   for (const TDF_Label& product : products) {
     const bool isAssembly = XCAFDoc_ShapeTool::IsAssembly(product);
     ++(isAssembly ? report.assemblies : report.parts);
-    report.namedProducts += NameOf(product).empty() ? 0 : 1;
+    report.namedProducts += ProductNameOf(product).empty() ? 0 : 1;
     if (!isAssembly)
       continue;
     for (const TDF_Label& component : ComponentsOf(product)) {
       ++report.components;
-      report.namedComponents += NameOf(component).empty() ? 0 : 1;
+      report.namedComponents += ProductNameOf(component).empty() ? 0 : 1;
     }
   }
 

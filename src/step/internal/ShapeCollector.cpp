@@ -44,7 +44,7 @@ void ShapeCollector::Collect(const TDF_Label& label)
     if (IsBagOfBodies(shape))
       CollectBodies(label, shape);
     else
-      Add(shape, NameOf(label), ColorOf(colors, {label}));
+      Add(shape, ProductNameOf(label), ColorOf(colors, {label}));
   }
 }
 
@@ -57,14 +57,14 @@ void ShapeCollector::CollectComponent(const TDF_Label& component)
   }
   const TopoDS_Shape placed = XCAFDoc_ShapeTool::GetShape(component);
   if (!placed.IsNull())
-    Add(placed, NameOf(product, component), ColorOf(colors, {product, component}));
+    Add(placed, ProductNameOf(product, component), ColorOf(colors, {product, component}));
 }
 
 void ShapeCollector::CollectBodies(const TDF_Label& label, const TopoDS_Shape& shape)
 {
   TDF_LabelSequence bodies;
   if (!XCAFDoc_ShapeTool::GetSubShapes(label, bodies)) {
-    const std::string name = NameOf(label);
+    const std::string name = ProductNameOf(label);
     const auto color = ColorOf(colors, {label});
     for (TopoDS_Iterator child(shape); child.More(); child.Next())
       Add(child.Value(), name, color);
@@ -73,7 +73,7 @@ void ShapeCollector::CollectBodies(const TDF_Label& label, const TopoDS_Shape& s
   for (const TDF_Label& body : bodies) {
     const TopoDS_Shape bodyShape = XCAFDoc_ShapeTool::GetShape(body);
     if (!bodyShape.IsNull())
-      Add(bodyShape, NameOf(body, label), ColorOf(colors, {body, label}));
+      Add(bodyShape, ProductNameOf(body, label), ColorOf(colors, {body, label}));
   }
 }
 
