@@ -37,6 +37,13 @@ std::string EntryOf(const TDF_Label& label)
   return entry.ToCString();
 }
 
+TDF_Label LabelOfEntry(const Handle(TDocStd_Document) & document, const std::string& entry)
+{
+  TDF_Label label;
+  TDF_Tool::Label(document->GetData(), entry.c_str(), label, false);
+  return label;
+}
+
 std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label)
 {
   const auto name = Find<TDataStd_AsciiString>(label);

@@ -23,6 +23,7 @@
 #include <TCollection_AsciiString.hxx>
 #include <TDF_ChildIterator.hxx>
 #include <TDF_Label.hxx>
+#include <TDocStd_Document.hxx>
 #include <gp_Pnt.hxx>
 
 #include <optional>
@@ -83,6 +84,10 @@ enum PrimitiveType : int {
 // Where a label stands in its document, as "0:1:1:3"; empty for a null label. The text is the same
 // in every session.
 ORVEX_API std::string EntryOf(const TDF_Label& label);
+
+// The label of such a text; null for one that the document does not have and for any other text.
+ORVEX_API TDF_Label LabelOfEntry(const opencascade::handle<TDocStd_Document>& document,
+                                 const std::string& entry);
 
 // The name of a label: its TDataStd_AsciiString. The setter creates the attribute if missing.
 ORVEX_API std::optional<TCollection_AsciiString> NameOf(const TDF_Label& label);

@@ -101,11 +101,10 @@ int FeatureHistoryManager::AddFeature(const std::string& type, const std::string
 FeatureHistoryItem* FeatureHistoryManager::FindSameFeature(const FeatureHistoryItem& wanted)
 {
   FeatureHistoryItem* item = GetFeatureByLabel(wanted.label);
-  const bool same =
-    item != nullptr && item->type == wanted.type && item->name == wanted.name &&
-    item->label == wanted.label && item->inputs == wanted.inputs &&
-    item->parameters == wanted.parameters &&
-    static_cast<bool>(item->rebuildFunc) == static_cast<bool>(wanted.rebuildFunc);
+  const bool same = item != nullptr && item->type == wanted.type && item->name == wanted.name &&
+                    item->label == wanted.label && item->inputs == wanted.inputs &&
+                    item->parameters == wanted.parameters &&
+                    static_cast<bool>(item->rebuildFunc) == static_cast<bool>(wanted.rebuildFunc);
   return same ? item : nullptr;
 }
 

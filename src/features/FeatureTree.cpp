@@ -10,7 +10,6 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <TDF_Tool.hxx>
 #include <TDataStd_AsciiString.hxx>
 
 #include <algorithm>
@@ -63,23 +62,22 @@ QJsonObject StoredRecord(const TDF_Label& label)
               : QJsonObject();
 }
 
-std::vector<TDF_Label> InputsOf(const QJsonObject& record, const Handle(TDF_Data) & data)
+std::vector<TDF_Label> InputsOf(const QJsonObject& record,
+                                const Handle(TDocStd_Document) & document)
 {
   std::vector<TDF_Label> inputs;
-  for (const QJsonValue& entry : record.value("inputs").toArray()) {
-    TDF_Label input;
-    TDF_Tool::Label(data, entry.toString().toLatin1().constData(), input, false);
-    inputs.push_back(input);
-  }
+  for (const QJsonValue& entry : record.value("inputs").toArray())
+    inputs.push_back(LabelOfEntry(document, entry.toString().toStdString()));
   return inputs;
 }
 
-void RestoreItem(const TDF_Label& label, const QJsonObject& record, const Handle(TDF_Data) & data)
+void RestoreItem(const TDF_Label& label, const QJsonObject& record,
+                 const Handle(TDocStd_Document) & document)
 {
   FeatureHistoryManager& history = FeatureHistoryManager::GetInstance();
   const std::string type = record.value("type").toString().toStdString();
   const std::string name = record.value("name").toString().toStdString();
-  if (!history.UpsertFeature(type, name, label, InputsOf(record, data)))
+  if (!history.UpsertFeature(type, name, label, InputsOf(record, document)))
     history.UpsertFeature(type, name, label, {});
   history.GetFeatureByLabel(label)->suppressed = record.value("suppressed").toBool();
 }
@@ -109,8 +107,9 @@ std::vector<StoredItem> StoredItems()
   std::vector<StoredItem> stored;
   for (const TDF_Label& label : ShapeLabelMgr::GetInstance()->GetAllShapeLabes())
     stored.push_back({label, StoredRecord(label)});
-  std::stable_sort(stored.begin(), stored.end(),
-                   [](const auto& left, const auto& right) { return left.Order() < right.Order(); });
+  std::stable_sort(stored.begin(), stored.end(), [](const auto& left, const auto& right) {
+    return left.Order() < right.Order();
+  });
   return stored;
 }
 
@@ -126,9 +125,8 @@ void StoreFeatureTree()
   for (const TDF_Label& label : ShapeLabelMgr::GetInstance()->GetAllShapeLabes()) {
     const FeatureHistoryItem* item = history.GetFeatureByLabel(label);
     if (item != nullptr)
-      SetName(RecordLabel(label, true), QJsonDocument(RecordOf(*item))
-                                          .toJson(QJsonDocument::Compact)
-                                          .constData());
+      SetName(RecordLabel(label, true),
+              QJsonDocument(RecordOf(*item)).toJson(QJsonDocument::Compact).constData());
     else if (const TDF_Label record = RecordLabel(label, false); !record.IsNull())
       record.ForgetAttribute(TDataStd_AsciiString::GetID());
   }
@@ -149,7 +147,7 @@ void RestoreFeatureTree()
   history.RebuildFromLabels(labels);
   for (const StoredItem& item : stored) {
     if (item.record.contains("type"))
-      RestoreItem(item.label, item.record, document->GetData());
+      RestoreItem(item.label, item.record, document);
     RestoreExpressions(item.label, item.record);
   }
 }

@@ -5,8 +5,6 @@
 #include "features/ParametricFeatureManager.h"
 #include "parameters/GlobalParaMeterMgr.h"
 
-#include <TDF_Tool.hxx>
-
 namespace Orvex {
 
 namespace {
@@ -28,7 +26,8 @@ QVariant FollowedValue(const std::string& featureKey, const TDF_Label& parameter
 
 } // namespace
 
-GlobalParameterChange::GlobalParameterChange() : before(CurrentValues()) {}
+GlobalParameterChange::GlobalParameterChange() : before(CurrentValues())
+{}
 
 void GlobalParameterChange::MarkDirty() const
 {
@@ -53,9 +52,8 @@ GlobalParameterChange::Values GlobalParameterChange::CurrentValues()
   const auto& manager = ParametricFeatureManager::GetInstance();
   for (const std::string& key : manager.RegisteredFeatureKeys()) {
     for (const auto& [name, parameterKey] : manager.FindFeature(key)->paramLabels) {
-      TDF_Label parameter;
-      TDF_Tool::Label(document->GetData(), parameterKey.c_str(), parameter, false);
-      if (QVariant value = FollowedValue(key, parameter); value.isValid())
+      QVariant value = FollowedValue(key, LabelOfEntry(document, parameterKey));
+      if (value.isValid())
         values.emplace(std::pair(key, name), std::move(value));
     }
   }

@@ -8,7 +8,6 @@
 #include "parameters/ExpressionEngine.h"
 #include "parameters/GlobalParaMeterMgr.h"
 
-#include <TDF_Tool.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
@@ -25,21 +24,13 @@ Handle(TDocStd_Document) CurrentDocument()
   return ShapeDocMgr::GetInstance()->GetDoc();
 }
 
-TDF_Label LabelOfKey(const Handle(TDocStd_Document) & document, const std::string& key)
-{
-  TDF_Label label;
-  TDF_Tool::Label(document->GetData(), key.c_str(), label, false);
-  return label;
-}
-
 // The feature's own parameters hide global ones of the same name.
-std::map<std::string, double>
-VariablesOf(const ParametricFeatureManager::FeatureInfo& info,
-            const Handle(TDocStd_Document) & document)
+std::map<std::string, double> VariablesOf(const ParametricFeatureManager::FeatureInfo& info,
+                                          const Handle(TDocStd_Document) & document)
 {
   std::map<std::string, double> variables;
   for (const auto& [name, key] : info.paramLabels)
-    if (const auto value = Orvex::RealOf(LabelOfKey(document, key)))
+    if (const auto value = Orvex::RealOf(Orvex::LabelOfEntry(document, key)))
       variables[name] = *value;
   for (const QString& global : GlobalParaMeterMgr::GetAllParametersName()) {
     const std::string name = global.toStdString();
@@ -114,7 +105,7 @@ void ParametricFeatureManager::recordOldShapes(const std::vector<std::string>& o
     return;
   for (const std::string& key : order) {
     const std::string& entry = traceKey(key);
-    const TDF_Label label = LabelOfKey(document, entry);
+    const TDF_Label label = Orvex::LabelOfEntry(document, entry);
     const TopoDS_Shape shape = label.IsNull() ? TopoDS_Shape() : XCAFDoc_ShapeTool::GetShape(label);
     if (!shape.IsNull())
       oldTShapeHandles[entry] = reinterpret_cast<unsigned long long>(shape.TShape().get());
@@ -167,7 +158,7 @@ void ParametricFeatureManager::applyExpressions(const FeatureInfo& info)
   std::map<std::string, double> variables = VariablesOf(info, document);
   for (const auto& [name, key] : info.paramLabels) {
     const auto expression = paramExpressions.find(key);
-    const TDF_Label label = LabelOfKey(document, key);
+    const TDF_Label label = Orvex::LabelOfEntry(document, key);
     if (expression == paramExpressions.end() || label.IsNull())
       continue;
     double result = 0.0;

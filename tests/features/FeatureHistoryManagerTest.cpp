@@ -81,7 +81,8 @@ TEST_F(FeatureHistory, AddsOncePerFeatureAndTheLastItemOfALabelAnswers)
   EXPECT_TRUE(history.IsInputOfAnyFeature(label));
   EXPECT_FALSE(history.IsInputOfAnyFeature(TDF_Label()));
   EXPECT_EQ(history.GetFeature(a)->shapeType, "Solid");
-  EXPECT_EQ(history.GetFeature(history.AddFeature("X", "", TDF_Label(), {}))->shapeType, "Imported");
+  EXPECT_EQ(history.GetFeature(history.AddFeature("X", "", TDF_Label(), {}))->shapeType,
+            "Imported");
 }
 
 TEST_F(FeatureHistory, UpsertAndSettersKeepProvidersAhead)
@@ -91,7 +92,8 @@ TEST_F(FeatureHistory, UpsertAndSettersKeepProvidersAhead)
   EXPECT_FALSE(history.UpsertFeature("X", "x", TDF_Label(), {}));
   EXPECT_EQ(history.GetFeature(a)->type, "Cube");
   history.SuppressFeature(b);
-  EXPECT_TRUE(history.UpsertFeature("X", "x", labelB, {labelA, TDF_Label(), document.Doc()->Main()}));
+  EXPECT_TRUE(
+    history.UpsertFeature("X", "x", labelB, {labelA, TDF_Label(), document.Doc()->Main()}));
   EXPECT_EQ(history.GetFeature(b)->name, "x");
   EXPECT_FALSE(history.IsFeatureDirectlySuppressed(b));
   EXPECT_EQ(history.GetFeature(b)->parameters.value("size").toDouble(), 2);
@@ -190,9 +192,7 @@ TEST_F(FeatureHistory, TheItemUnderRebuildIsFoundOnItsThreadOnly)
   history.SetFeatureRebuildFunc(a, [&](const TDF_Label&, const FeatureParameters&) {
     current = history.GetCurrentRebuildFeature()->id;
     resolved = history.ResolveFeatureForRebuild(label)->id;
-    std::thread([&] {
-      elsewhere = history.GetCurrentRebuildFeature() == nullptr ? -1 : 1;
-    }).join();
+    std::thread([&] { elsewhere = history.GetCurrentRebuildFeature() == nullptr ? -1 : 1; }).join();
     return true;
   });
   const int later = history.AddFeature("Paint", "", label, {});
@@ -244,9 +244,8 @@ TEST_F(FeatureHistory, AFailureBringsEverythingBack)
 // Against the rules, but no reason to fall over.
 TEST_F(FeatureHistory, AFunctionThatRemovesFeaturesFails)
 {
-  history.SetFeatureRebuildFunc(b, [this](const TDF_Label&, const FeatureParameters&) {
-    return history.RemoveFeature(a);
-  });
+  history.SetFeatureRebuildFunc(
+    b, [this](const TDF_Label&, const FeatureParameters&) { return history.RemoveFeature(a); });
   EXPECT_FALSE(history.RebuildFeature(b, {}));
   EXPECT_TRUE(Ids().empty());
 }
@@ -259,13 +258,15 @@ TEST_F(FeatureHistory, DeletingAResultTakesItsHiddenOperandsUnlessTheyAreNeeded)
     registry->SetShapeVisibilty(shape, visible);
   };
   const TDF_Label labelA = cubes.LabelOf(a), labelB = cubes.LabelOf(b), labelC = cubes.LabelOf(c);
-  EXPECT_THAT(history.CollectDeleteClosureLabels({labelC, TDF_Label(), labelC}), ElementsAre(labelC));
+  EXPECT_THAT(history.CollectDeleteClosureLabels({labelC, TDF_Label(), labelC}),
+              ElementsAre(labelC));
   EXPECT_THAT(history.CollectDeleteClosureLabels({labelA}), ElementsAre(labelA, labelB, labelC));
   hide(a, false);
   hide(b, false);
   EXPECT_THAT(history.CollectDeleteClosureLabels({labelC}), ElementsAre(labelC, labelB, labelA));
   const int survivor = cubes.Add({labelA}, 1);
-  EXPECT_THAT(history.CollectDeleteClosureLabels({labelC}), ElementsAre(labelC, labelB)) << survivor;
+  EXPECT_THAT(history.CollectDeleteClosureLabels({labelC}), ElementsAre(labelC, labelB))
+    << survivor;
   EXPECT_TRUE(history.CollectDeleteClosureLabels({TDF_Label()}).empty());
 }
 

@@ -26,7 +26,8 @@ int ProviderOf(const Items& items, int index, const TDF_Label& input)
 bool IsSuppressed(const Items& items, int index)
 {
   for (const TDF_Label& input : items[index].inputs)
-    if (const int provider = ProviderOf(items, index, input); provider >= 0 && IsSuppressed(items, provider))
+    if (const int provider = ProviderOf(items, index, input);
+        provider >= 0 && IsSuppressed(items, provider))
       return true;
   return items[index].suppressed;
 }
@@ -82,7 +83,9 @@ std::vector<TDF_Label> Closure(const Items& items, const std::vector<TDF_Label>&
       changed = true;
     }
   };
-  const auto dies = [&](const TDF_Label& label) { return closure.count(Orvex::EntryOf(label)) != 0; };
+  const auto dies = [&](const TDF_Label& label) {
+    return closure.count(Orvex::EntryOf(label)) != 0;
+  };
   std::for_each(seeds.begin(), seeds.end(), add);
   for (changed = !result.empty(); changed;) {
     changed = false;

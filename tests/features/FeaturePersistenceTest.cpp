@@ -91,8 +91,9 @@ TEST_F(FeaturePersistence, ReconcilingDropsResetsAndAdds)
   const TDF_Label gone = OrvexTest::NewCubeLabel(1), changed = OrvexTest::NewCubeLabel(2),
                   kept = OrvexTest::NewCubeLabel(3), added = OrvexTest::NewCubeLabel(4);
   history.AddFeature("A", "", gone, {});
-  const int reset = history.AddFeature("B", "", changed, {kept}, {{"size", 2}},
-                                       [](const TDF_Label&, const FeatureParameters&) { return true; });
+  const int reset =
+    history.AddFeature("B", "", changed, {kept}, {{"size", 2}},
+                       [](const TDF_Label&, const FeatureParameters&) { return true; });
   const int survivor = history.AddFeature("C", "", kept, {gone});
   history.AddFeature("None", "", TDF_Label(), {});
   history.SuppressFeature(reset);

@@ -51,8 +51,8 @@ public:
 private:
   struct Use
   {
-    std::vector<int> bearers;  // items whose label it is
-    std::vector<int> users;    // items that have it among their inputs, each once
+    std::vector<int> bearers;   // items whose label it is
+    std::vector<int> users;     // items that have it among their inputs, each once
     std::size_t inputPlace = 0; // in the first user
     std::size_t aliveUsers = 0;
   };

@@ -8,7 +8,8 @@ namespace Orvex {
 
 // The seeds in their order, then what follows in order of discovery: in passes over the history,
 // each with the consumers first and the operands after them.
-// Cost: n log n in the items and inputs that are reached; the shape of an operand is looked up once.
+// Cost: n log n in the items and inputs that are reached; the shape of an operand is looked up
+// once.
 std::vector<TDF_Label> CollectDeleteClosure(const FeatureItems& items,
                                             const std::vector<TDF_Label>& seeds);
 
