@@ -5,8 +5,11 @@ namespace Orvex::Cli {
 std::span<const Command> AllCommands()
 {
   static constexpr Command kCommands[] = {
+    {"history", "How a saved document was made: its features in order", DeclareHistory},
     {"info", "What is in a file: structure, names, colours, parameters, counts, size", DeclareInfo},
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
+    {"rebuild", "Change parameters of a saved document and rebuild what depends on them",
+     DeclareRebuild},
     {"version", "The versions of the library and of what it stands on", DeclareVersion},
   };
   return kCommands;

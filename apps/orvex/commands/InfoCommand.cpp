@@ -61,8 +61,8 @@ QJsonObject DescribeIsolated(const std::string& path, const InfoOptions& options
   const WorkerReply reply = RunInWorker(job, limits, progress);
   if (reply.end == WorkerReply::End::Replied)
     return reply.value;
-  return FailedEntry(
-    FailureOfWorker(reply, limits, {ExitCode::Unreadable, TextFromBytes(path), "read", "reading"}));
+  return FailedEntry(FailureOfWorker(
+    reply, limits, {ExitCode::Unreadable, TextFromBytes(path), "read", "reading", {}, {}}));
 }
 
 QJsonObject DescribeFile(const std::string& path, const InfoOptions& options, Session& session)

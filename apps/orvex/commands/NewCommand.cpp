@@ -55,25 +55,6 @@ FileFormat OutputFormat(const std::string& path)
                 QStringLiteral("one of %1").arg(QLatin1String(kEndings))};
 }
 
-// Made by the worker, understood by the parent.
-QJsonObject Reply(const NewShape& wanted, const std::optional<WriteTarget>& target)
-{
-  try {
-    return MakeShape(wanted, target);
-  } catch (...) {
-    const Failure failure =
-      FailureOfCurrentException(ExitCode::KernelFailure, TextFromBytes(wanted.kind->word));
-    return {{"error", ToJson(failure)}, {"subject", failure.subject}};
-  }
-}
-
-Failure FailureOfReply(const QJsonObject& reply)
-{
-  Failure failure = FailureFromJson(reply.value("error").toObject());
-  failure.subject = reply.value("subject").toString();
-  return failure;
-}
-
 QJsonObject MakeInWorker(const NewShape& wanted, const std::optional<WriteTarget>& target,
                          Session& session)
 {
@@ -83,19 +64,11 @@ QJsonObject MakeInWorker(const NewShape& wanted, const std::optional<WriteTarget
   ProgressDisplay progress(session.Streams(), session.Options(), subject);
   const auto job = [&](const ProgressSink& sink) {
     sink({QStringLiteral("make"), -1.0});
-    return Reply(wanted, target);
+    return MakeShape(wanted, target);
   };
-  const WorkerReply reply = RunInWorker(job, limits, progress);
-  if (reply.end != WorkerReply::End::Replied) {
-    Failure failure =
-      FailureOfWorker(reply, limits, {ExitCode::KernelFailure, subject, "made", "making"});
-    failure.entity = GivenText(wanted);
-    failure.advice = AllowedText(*wanted.kind);
-    throw failure;
-  }
-  if (reply.value.contains("error"))
-    throw FailureOfReply(reply.value);
-  return reply.value;
+  return ResultOfWorker(job, limits, progress,
+                        {ExitCode::KernelFailure, subject, "made", "making", GivenText(wanted),
+                         AllowedText(*wanted.kind)});
 }
 
 ExitCode Make(const NewOptions& options, Session& session)

@@ -138,21 +138,6 @@ struct FromText
   }
 };
 
-ParameterValue ValueOf(const ShapeKind& kind, const ParameterField& field, const std::string& text)
-{
-  try {
-    return std::visit(FromText{QByteArray::fromStdString(text), field.range}, field.initial);
-  } catch (const NotOfType&) {
-    throw WrongValue(kind, field, text,
-                     QStringLiteral("is no %1")
-                       .arg(std::holds_alternative<double>(field.initial)
-                              ? QStringLiteral("number")
-                              : TypeWord(field.initial)));
-  } catch (const OutOfRange&) {
-    throw WrongValue(kind, field, text, QStringLiteral("is out of range"));
-  }
-}
-
 void CheckFileOf(const ShapeKind& kind, const ParameterField& field, const std::string& text)
 {
   if (!std::holds_alternative<TopoDS_Shape>(field.initial))
@@ -178,19 +163,6 @@ QString KnownNames(const ShapeKind& kind)
   for (const ParameterField& field : kind.fields)
     names.append(TextFromBytes(field.name));
   return names.join(QStringLiteral(", "));
-}
-
-std::size_t FieldNamed(const ShapeKind& kind, const std::string& name)
-{
-  const QString simple = Simplified(TextFromBytes(name));
-  const auto found =
-    std::find_if(kind.fields.begin(), kind.fields.end(), [&simple](const ParameterField& field) {
-      return Simplified(TextFromBytes(field.name)) == simple;
-    });
-  if (found == kind.fields.end())
-    throw Wrong(kind, {}, QStringLiteral("has no parameter %1").arg(Quoted(name)),
-                QStringLiteral("its parameters: ") + KnownNames(kind));
-  return static_cast<std::size_t>(found - kind.fields.begin());
 }
 
 void Take(NewShape& shape, const std::string& input)
@@ -246,6 +218,34 @@ const ShapeKind& KindNamed(const std::string& word)
                 {},
                 QStringLiteral("there is no kind %1").arg(Quoted(word)),
                 QStringLiteral("the kinds: ") + words.join(QStringLiteral(", "))};
+}
+
+std::size_t FieldNamed(const ShapeKind& kind, const std::string& name)
+{
+  const QString simple = Simplified(TextFromBytes(name));
+  const auto found =
+    std::find_if(kind.fields.begin(), kind.fields.end(), [&simple](const ParameterField& field) {
+      return Simplified(TextFromBytes(field.name)) == simple;
+    });
+  if (found == kind.fields.end())
+    throw Wrong(kind, {}, QStringLiteral("has no parameter %1").arg(Quoted(name)),
+                QStringLiteral("its parameters: ") + KnownNames(kind));
+  return static_cast<std::size_t>(found - kind.fields.begin());
+}
+
+ParameterValue ValueOf(const ShapeKind& kind, const ParameterField& field, const std::string& text)
+{
+  try {
+    return std::visit(FromText{QByteArray::fromStdString(text), field.range}, field.initial);
+  } catch (const NotOfType&) {
+    throw WrongValue(kind, field, text,
+                     QStringLiteral("is no %1")
+                       .arg(std::holds_alternative<double>(field.initial)
+                              ? QStringLiteral("number")
+                              : TypeWord(field.initial)));
+  } catch (const OutOfRange&) {
+    throw WrongValue(kind, field, text, QStringLiteral("is out of range"));
+  }
 }
 
 NewShape ReadParameterInput(const ShapeKind& kind, const std::vector<std::string>& inputs)

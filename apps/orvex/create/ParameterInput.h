@@ -29,6 +29,11 @@ const ShapeKind& KindNamed(const std::string& word);
 //   ExitCode::Unreadable for a file of a shape that cannot be read.
 NewShape ReadParameterInput(const ShapeKind& kind, const std::vector<std::string>& inputs);
 
+// The place of a parameter among the kind's fields; its value from a text. Names count as above.
+// Errors: as above.
+std::size_t FieldNamed(const ShapeKind& kind, const std::string& name);
+ParameterValue ValueOf(const ShapeKind& kind, const ParameterField& field, const std::string& text);
+
 // "a number > 0 mm", "x,y,z mm".
 QString AllowedText(const ParameterField& field);
 

@@ -243,4 +243,30 @@ Failure FailureOfWorker(const WorkerReply& reply, const WorkerOptions& limits,
   return failure;
 }
 
+QJsonObject ResultOfWorker(const WorkerJob& job, const WorkerOptions& options,
+                           ProgressDisplay& progress, const WorkerTask& task)
+{
+  const auto answering = [&](const ProgressSink& sink) -> QJsonObject {
+    try {
+      return {{"result", job(sink)}};
+    } catch (...) {
+      const Failure failure = FailureOfCurrentException(task.code, task.subject);
+      return {{"error", ToJson(failure)}, {"subject", failure.subject}};
+    }
+  };
+  const WorkerReply reply = RunInWorker(answering, options, progress);
+  if (reply.end != WorkerReply::End::Replied) {
+    Failure failure = FailureOfWorker(reply, options, task);
+    failure.entity = task.entity;
+    if (!task.allowed.isEmpty())
+      failure.advice = task.allowed;
+    throw failure;
+  }
+  if (reply.value.contains("result"))
+    return reply.value.value("result").toObject();
+  Failure failure = FailureFromJson(reply.value.value("error").toObject());
+  failure.subject = reply.value.value("subject").toString();
+  throw failure;
+}
+
 } // namespace Orvex::Cli

@@ -48,10 +48,19 @@ struct WorkerTask
   QString subject;
   const char* done;  // "read"
   const char* doing; // "reading"
+  QString entity;    // what it was done with, and what is allowed; may be empty
+  QString allowed;
 };
 
 // Requires: a worker that did not reply.
 Failure FailureOfWorker(const WorkerReply& reply, const WorkerOptions& limits,
                         const WorkerTask& task);
+
+// Runs a job that may throw, and gives its result.
+//
+// Errors: the Failure that the job threw or that stands for what it threw (the task's code), or
+//   that it did not get to answer.
+QJsonObject ResultOfWorker(const WorkerJob& job, const WorkerOptions& options,
+                           ProgressDisplay& progress, const WorkerTask& task);
 
 } // namespace Orvex::Cli

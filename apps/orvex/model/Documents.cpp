@@ -1,8 +1,10 @@
 #include "model/Documents.h"
 
 #include "document/ShapeDocMgr.h"
+#include "features/FeatureTree.h"
 #include "frame/Failure.h"
 #include "frame/Text.h"
+#include "parameters/GlobalParaMeterMgr.h"
 
 #include <BinXCAFDrivers.hxx>
 #include <UnitsMethods_LengthUnit.hxx>
@@ -72,6 +74,30 @@ OpenDocument::~OpenDocument()
 const Handle(TDocStd_Document) & OpenDocument::Get() const
 {
   return document;
+}
+
+OpenModel::OpenModel(const std::string& path) : opened(path)
+{
+  ShapeDocMgr::GetInstance()->SetDoc(opened.Get());
+  const std::string parameters = ParameterFileOf(path);
+  if (QString error; !GlobalParaMeterMgr::LoadFromFile(TextFromBytes(parameters), &error))
+    throw Failure{ExitCode::Unreadable,
+                  TextFromBytes(parameters),
+                  {},
+                  QStringLiteral("it is no file of global parameters"),
+                  QStringLiteral("it belongs to %1").arg(TextFromBytes(path))};
+  RestoreFeatureTree();
+}
+
+OpenModel::~OpenModel()
+{
+  // The history and the registry hold labels, which end with the document.
+  ShapeDocMgr::GetInstance()->SetDoc(nullptr);
+}
+
+std::string ParameterFileOf(const std::string& documentPath)
+{
+  return GlobalParaMeterMgr::SidecarPath(TextFromBytes(documentPath)).toStdString();
 }
 
 bool SaveDocument(const Handle(TDocStd_Document) & document, const std::string& path)

@@ -26,6 +26,22 @@ private:
   Handle(TDocStd_Document) document;
 };
 
+// A document from a file as the current one, with its global parameters (the file beside it, if
+// there is one) and its feature history.
+class OpenModel
+{
+public:
+  // Errors: a Failure (ExitCode::Unreadable) for a file that cannot be read.
+  explicit OpenModel(const std::string& path);
+  ~OpenModel();
+
+private:
+  OpenDocument opened;
+};
+
+// The file of global parameters that belongs to a document.
+std::string ParameterFileOf(const std::string& documentPath);
+
 // Returns: false when the kernel does not manage to.
 bool SaveDocument(const Handle(TDocStd_Document) & document, const std::string& path);
 

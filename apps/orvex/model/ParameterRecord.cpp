@@ -91,6 +91,8 @@ QString ParameterText(const QJsonObject& parameter)
     text += u' ' + parameter.value("unit").toString();
   if (parameter.contains("reference"))
     text += QStringLiteral("  (follows %1)").arg(parameter.value("reference").toString());
+  if (parameter.contains("expression"))
+    text += QStringLiteral("  (= %1)").arg(parameter.value("expression").toString());
   return TerminalText(text);
 }
 

@@ -8,7 +8,8 @@
 // Primitives first, so that the operands of a boolean stand in the graph before it.
 void ParametricFeatureManager::rebuildDependenciesFromHistory()
 {
-  const std::vector<FeatureHistoryItem> items = FeatureHistoryManager::GetInstance().GetAllFeatures();
+  const std::vector<FeatureHistoryItem> items =
+    FeatureHistoryManager::GetInstance().GetAllFeatures();
   for (const FeatureHistoryItem& item : items)
     Orvex::RegisterPrimitiveFeatureFromHistory(item);
   for (const FeatureHistoryItem& item : items)
