@@ -27,8 +27,8 @@ ExitCode RunHistory(const std::string& path, Session& session)
     return HistoryJson();
   };
   const WorkerOptions limits{session.Options().timeLimitSeconds, 0.0, session.Options().verbose};
-  QJsonObject history = ResultOfWorker(
-    job, limits, progress, {ExitCode::Unreadable, subject, "read", "reading", {}, {}});
+  QJsonObject history = ResultOfWorker(job, limits, progress,
+                                       {ExitCode::Unreadable, subject, "read", "reading", {}, {}});
   history.insert("schema", "orvex.history");
   history.insert("version", 1);
   history.insert("file", subject);

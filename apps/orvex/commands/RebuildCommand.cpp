@@ -61,9 +61,8 @@ ExitCode RunRebuild(const RebuildOptions& options, Session& session)
     }
   };
   const WorkerOptions limits{session.Options().timeLimitSeconds, 0.0, session.Options().verbose};
-  QJsonObject rebuilt =
-    ResultOfWorker(job, limits, progress,
-                   {ExitCode::KernelFailure, subject, "rebuilt", "rebuilding", {}, {}});
+  QJsonObject rebuilt = ResultOfWorker(
+    job, limits, progress, {ExitCode::KernelFailure, subject, "rebuilt", "rebuilding", {}, {}});
   // The document last: until it is there, the earlier one belongs to the earlier parameters.
   if (parameters)
     parameters->Commit();

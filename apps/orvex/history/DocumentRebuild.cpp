@@ -112,8 +112,7 @@ private:
       run.problem = QStringLiteral("the kernel refuses its parameters: ") +
                     FailureOfCurrentException(ExitCode::KernelFailure).reason;
     }
-    run.seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    run.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     return run.problem.isEmpty();
   }
 
@@ -213,11 +212,13 @@ void Save(const RebuildRequest& request, const RebuildTargets& targets)
 {
   StoreFeatureTree();
   if (!SaveDocument(ShapeDocMgr::GetInstance()->GetDoc(), targets.document))
-    throw Failure{ExitCode::Partial, TextFromBytes(request.path), {},
-                  QStringLiteral("the kernel could not write the result"), {}};
-  if (QString error;
-      !targets.parameters.empty() &&
-      !GlobalParaMeterMgr::SaveToFile(TextFromBytes(targets.parameters), &error))
+    throw Failure{ExitCode::Partial,
+                  TextFromBytes(request.path),
+                  {},
+                  QStringLiteral("the kernel could not write the result"),
+                  {}};
+  if (QString error; !targets.parameters.empty() &&
+                     !GlobalParaMeterMgr::SaveToFile(TextFromBytes(targets.parameters), &error))
     throw Failure{ExitCode::Partial, TextFromBytes(request.path), {}, error, {}};
 }
 
@@ -243,12 +244,12 @@ QString RebuildText(const QJsonObject& rebuilt)
   const QJsonArray trace = rebuilt.value("rebuilt").toArray();
   QString text = trace.isEmpty() ? QStringLiteral("nothing to rebuild\n") : QString();
   for (const QJsonValue& feature : trace)
-    text += QStringLiteral("rebuilt  %1 \"%2\"  [%3]  %4 ms\n")
-              .arg(TerminalText(feature["type"].toString()),
-                   TerminalText(feature["name"].toString()), feature["label"].toString(),
-                   Decimal(feature["seconds"].toDouble() * kMilliseconds));
-  return text + QStringLiteral("written  %1\n")
-                  .arg(TerminalText(rebuilt.value("output").toString()));
+    text +=
+      QStringLiteral("rebuilt  %1 \"%2\"  [%3]  %4 ms\n")
+        .arg(TerminalText(feature["type"].toString()), TerminalText(feature["name"].toString()),
+             feature["label"].toString(), Decimal(feature["seconds"].toDouble() * kMilliseconds));
+  return text +
+         QStringLiteral("written  %1\n").arg(TerminalText(rebuilt.value("output").toString()));
 }
 
 } // namespace Orvex::Cli
