@@ -17,8 +17,8 @@ struct PrimitiveKind
   std::set<std::string> parameters;
 };
 
-// The words of sweeps leave out the source shape, and the kinds that are missing keep their records
-// from creation only: neither follows from the description of a kind.
+// Not derived from the descriptions of the kinds: sweeps leave their source out here, and lines,
+// arcs, polygons and splines have no row.
 const std::vector<PrimitiveKind>& PrimitiveKinds()
 {
   // clang-format off
