@@ -51,8 +51,8 @@ TEST_F(FeatureTree, ComesBackFromASavedDocument)
   history.AddFeature("Cube", "Tool", tool, {});
   const int cut = history.AddFeature("BooleanCut", "Cut", result, {base, TDF_Label(), tool});
   history.SuppressFeature(cut);
-  ParametricFeatureManager::GetInstance().SetParamExpressionRaw(
-    Orvex::ChildByName(base, "Length"), "Width*2");
+  ParametricFeatureManager::GetInstance().SetParamExpressionRaw(Orvex::ChildByName(base, "Length"),
+                                                                "Width*2");
   Orvex::StoreFeatureTree();
   EXPECT_EQ(document.Doc()->GetAvailableUndos(), 1);
 
@@ -90,10 +90,12 @@ TEST_F(FeatureTree, BrokenRecordsCountAsNone)
     EXPECT_FALSE(history.GetFeatureByLabel(first)->suppressed) << broken;
   }
   // Each says that it was made of the other.
-  Orvex::SetName(RecordOn(first), (R"({"type":"A","order":0,"inputs":[")" + Orvex::EntryOf(second) +
-                                   R"("]})").c_str());
-  Orvex::SetName(RecordOn(second), (R"({"type":"B","order":1,"inputs":[")" + Orvex::EntryOf(first) +
-                                    R"("]})").c_str());
+  Orvex::SetName(
+    RecordOn(first),
+    (R"({"type":"A","order":0,"inputs":[")" + Orvex::EntryOf(second) + R"("]})").c_str());
+  Orvex::SetName(
+    RecordOn(second),
+    (R"({"type":"B","order":1,"inputs":[")" + Orvex::EntryOf(first) + R"("]})").c_str());
   Orvex::RestoreFeatureTree();
   EXPECT_TRUE(history.GetFeatureByLabel(first)->inputs.empty());
   EXPECT_THAT(history.GetFeatureByLabel(second)->inputs, ElementsAre(first));

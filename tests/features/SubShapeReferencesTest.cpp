@@ -179,8 +179,7 @@ TEST(SubShapeReferences, ScoresPutTheNearestOfItsKindFirst)
   EXPECT_EQ(Orvex::ResolveFaceRef(round, FaceReference(cylinder, 2)), 2);
   EXPECT_EQ(Orvex::ResolveFaceRef(round, {{"faceIndex", 1}, {"area", 5.0}}), 1);
   // An edge without a curve in space, at the pole, has no fingerprint or an orderly one.
-  const TopTools_IndexedMapOfShape sphere =
-    MapOf(BRepPrimAPI_MakeSphere(1).Shape(), TopAbs_EDGE);
+  const TopTools_IndexedMapOfShape sphere = MapOf(BRepPrimAPI_MakeSphere(1).Shape(), TopAbs_EDGE);
   for (int index = 1; index <= sphere.Extent(); ++index) {
     QVariantMap reference;
     const bool measured = Orvex::FingerprintEdge(sphere(index), reference);

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <set>
 
 namespace Orvex {
@@ -57,6 +58,133 @@ const QString kSurfaceTypeKey = QStringLiteral("surfaceType");
 const QString kAreaKey = QStringLiteral("area");
 const QString kSpecsKey = QStringLiteral("edgeRadiusSpecs");
 
+double Squared(const gp_XYZ& from, const gp_XYZ& to)
+{
+  return (from - to).SquareModulus();
+}
+
+double Penalty(int kind, int storedKind)
+{
+  return kind == storedKind ? 0.0 : kOtherKindPenalty;
+}
+
+int KindIn(const QVariantMap& reference, const QString& key)
+{
+  constexpr int kNoKind = -1;
+  return reference.contains(key) ? reference.value(key).toInt() : kNoKind;
+}
+
+// Whatever the kernel throws means that there is nothing to measure.
+template <typename Measures, typename Measure>
+std::optional<Measures> Measured(Measure&& measure)
+{
+  try {
+    return measure();
+  } catch (...) {
+    return std::nullopt;
+  }
+}
+
+// The fingerprint of an edge.
+struct EdgeMeasures
+{
+  int curveType;
+  double length;
+  gp_XYZ mid, start, end;
+
+  static std::optional<EdgeMeasures> Of(const TopoDS_Shape& edge)
+  {
+    return Measured<EdgeMeasures>([&]() -> std::optional<EdgeMeasures> {
+      if (edge.IsNull())
+        return std::nullopt;
+      TopoDS_Vertex from, to;
+      TopExp::Vertices(TopoDS::Edge(edge), from, to, false);
+      if (from.IsNull() || to.IsNull())
+        return std::nullopt;
+      const BRepAdaptor_Curve curve(TopoDS::Edge(edge));
+      const double first = curve.FirstParameter(), last = curve.LastParameter();
+      return EdgeMeasures{static_cast<int>(curve.GetType()),
+                          GCPnts_AbscissaPoint::Length(curve, first, last, kLengthTolerance),
+                          curve.Value((first + last) * 0.5).XYZ(), BRep_Tool::Pnt(from).XYZ(),
+                          BRep_Tool::Pnt(to).XYZ()};
+    });
+  }
+
+  static EdgeMeasures In(const QVariantMap& reference)
+  {
+    return {KindIn(reference, kCurveTypeKey), reference.value(kLengthKey).toDouble(),
+            kMid.Read(reference), kStart.Read(reference), kEnd.Read(reference)};
+  }
+
+  void Write(QVariantMap& reference) const
+  {
+    reference[kCurveTypeKey] = curveType;
+    reference[kLengthKey] = length;
+    kMid.Write(mid, reference);
+    kStart.Write(start, reference);
+    kEnd.Write(end, reference);
+  }
+
+  // Whichever way the edge runs.
+  double DistanceTo(const EdgeMeasures& stored) const
+  {
+    const double same = Squared(start, stored.start) + Squared(end, stored.end);
+    const double swapped = Squared(start, stored.end) + Squared(end, stored.start);
+    return Penalty(curveType, stored.curveType) + std::min(same, swapped) +
+           Squared(mid, stored.mid) + std::abs(length - stored.length);
+  }
+};
+
+// The fingerprint of a face; the normal is that of a plane, whatever the face's orientation.
+struct FaceMeasures
+{
+  int surfaceType;
+  double area;
+  gp_XYZ center;
+  std::optional<gp_XYZ> normal;
+
+  static std::optional<FaceMeasures> Of(const TopoDS_Shape& face)
+  {
+    return Measured<FaceMeasures>([&]() -> std::optional<FaceMeasures> {
+      if (face.IsNull())
+        return std::nullopt;
+      const BRepAdaptor_Surface surface(TopoDS::Face(face), true);
+      GProp_GProps properties;
+      BRepGProp::SurfaceProperties(face, properties, false, false);
+      FaceMeasures measures{static_cast<int>(surface.GetType()), properties.Mass(),
+                            properties.CentreOfMass().XYZ(), std::nullopt};
+      if (surface.GetType() == GeomAbs_Plane)
+        measures.normal = surface.Plane().Axis().Direction().XYZ();
+      return measures;
+    });
+  }
+
+  static FaceMeasures In(const QVariantMap& reference)
+  {
+    FaceMeasures stored{KindIn(reference, kSurfaceTypeKey), reference.value(kAreaKey).toDouble(),
+                        kCenter.Read(reference), std::nullopt};
+    if (reference.contains(kNormal.x))
+      stored.normal = kNormal.Read(reference);
+    return stored;
+  }
+
+  void Write(QVariantMap& reference) const
+  {
+    reference[kSurfaceTypeKey] = surfaceType;
+    reference[kAreaKey] = area;
+    kCenter.Write(center, reference);
+    if (normal)
+      kNormal.Write(*normal, reference);
+  }
+
+  double DistanceTo(const FaceMeasures& stored) const
+  {
+    return Penalty(surfaceType, stored.surfaceType) + std::abs(area - stored.area) +
+           Squared(center, stored.center) +
+           (normal && stored.normal ? Squared(*normal, *stored.normal) : 0.0);
+  }
+};
+
 // One kind of sub-shape, with what sets it apart.
 struct ReferenceKind
 {
@@ -64,7 +192,7 @@ struct ReferenceKind
   QString indexKey, indicesKey, referencesKey;
   QStringList neededKeys;
   bool (*fingerprint)(const TopoDS_Shape&, QVariantMap&);
-  double (*score)(const TopoDS_Shape&, const QVariantMap&);
+  int (*resolve)(const TopTools_IndexedMapOfShape&, const QVariantMap&);
 };
 
 const ReferenceKind kEdges = {TopAbs_EDGE,
@@ -73,14 +201,14 @@ const ReferenceKind kEdges = {TopAbs_EDGE,
                               QStringLiteral("edgeRefs"),
                               {kMid.x, kStart.x, kEnd.x},
                               &FingerprintEdge,
-                              &ScoreEdge};
+                              &ResolveEdgeRef};
 const ReferenceKind kFaces = {TopAbs_FACE,
                               QStringLiteral("faceIndex"),
                               QStringLiteral("faceIndices"),
                               QStringLiteral("faceRefs"),
                               {kSurfaceTypeKey, kAreaKey},
                               &FingerprintFace,
-                              &ScoreFace};
+                              &ResolveFaceRef};
 
 // A text is a list of its characters to QVariant::toList.
 QVariantList ListIn(const FeatureParameters& parameters, const QString& key)
@@ -105,25 +233,15 @@ TopTools_IndexedMapOfShape SubShapesOf(const TopoDS_Shape& shape, const Referenc
   return map;
 }
 
-double PenaltyForKind(const QVariantMap& candidate, const QVariantMap& reference, const QString& key)
+// The largest double for a candidate that cannot be measured.
+template <typename Measures>
+double ScoreOf(const TopoDS_Shape& candidate, const Measures& stored)
 {
-  constexpr int kNoneStored = -1, kNoneMeasured = -2;
-  const int stored = reference.contains(key) ? reference.value(key).toInt() : kNoneStored;
-  const int measured = candidate.contains(key) ? candidate.value(key).toInt() : kNoneMeasured;
-  return stored == measured ? 0.0 : kOtherKindPenalty;
+  const std::optional<Measures> measured = Measures::Of(candidate);
+  return measured ? measured->DistanceTo(stored) : kWorstScore;
 }
 
-double Distance(const TripleKeys& one, const QVariantMap& left, const TripleKeys& other,
-                const QVariantMap& right)
-{
-  return (one.Read(left) - other.Read(right)).SquareModulus();
-}
-
-double Difference(const QString& key, const QVariantMap& left, const QVariantMap& right)
-{
-  return std::abs(left.value(key).toDouble() - right.value(key).toDouble());
-}
-
+template <typename Measures>
 int Resolve(const TopTools_IndexedMapOfShape& candidates, const QVariantMap& reference,
             const ReferenceKind& kind)
 {
@@ -133,9 +251,10 @@ int Resolve(const TopTools_IndexedMapOfShape& candidates, const QVariantMap& ref
                 [&](const QString& key) { return reference.contains(key); });
   if (!canBeMatched)
     return best;
+  const Measures stored = Measures::In(reference);
   double bestScore = kWorstScore;
   for (int index = 0; index < candidates.Extent(); ++index) {
-    const double score = kind.score(candidates(index + 1), reference);
+    const double score = ScoreOf(candidates(index + 1), stored);
     if (score < bestScore) {
       bestScore = score;
       best = index;
@@ -158,7 +277,7 @@ std::set<int> SelectedIndices(const FeatureParameters& parameters,
   if (!indices.isEmpty())
     return selected;
   for (const QVariant& reference : ListIn(parameters, kind.referencesKey))
-    if (const int index = Resolve(map, reference.toMap(), kind); index >= 0)
+    if (const int index = kind.resolve(map, reference.toMap()); index >= 0)
       selected.insert(index);
   return selected;
 }
@@ -200,19 +319,13 @@ FeatureParameters RefreshEdgeSpecs(FeatureParameters parameters, const TopoDS_Sh
   return parameters;
 }
 
-// Runs a measurement that may throw anything, on a copy.
-template <typename Measure>
-bool Fingerprinted(QVariantMap& reference, Measure&& measure)
+template <typename Measures>
+bool Fingerprint(const TopoDS_Shape& shape, QVariantMap& reference)
 {
-  QVariantMap measured = reference;
-  try {
-    if (!measure(measured))
-      return false;
-  } catch (...) {
-    return false;
-  }
-  reference = std::move(measured);
-  return true;
+  const std::optional<Measures> measured = Measures::Of(shape);
+  if (measured)
+    measured->Write(reference);
+  return measured.has_value();
 }
 
 } // namespace
@@ -237,74 +350,32 @@ TopoDS_Shape ParseSourceBrep(const QVariant& source)
 
 bool FingerprintEdge(const TopoDS_Shape& edge, QVariantMap& reference)
 {
-  return Fingerprinted(reference, [&](QVariantMap& measured) {
-    if (edge.IsNull())
-      return false;
-    TopoDS_Vertex start, end;
-    TopExp::Vertices(TopoDS::Edge(edge), start, end, false);
-    if (start.IsNull() || end.IsNull())
-      return false;
-    const BRepAdaptor_Curve curve(TopoDS::Edge(edge));
-    const double first = curve.FirstParameter(), last = curve.LastParameter();
-    measured[kCurveTypeKey] = static_cast<int>(curve.GetType());
-    measured[kLengthKey] = GCPnts_AbscissaPoint::Length(curve, first, last, kLengthTolerance);
-    kMid.Write(curve.Value((first + last) * 0.5).XYZ(), measured);
-    kStart.Write(BRep_Tool::Pnt(start).XYZ(), measured);
-    kEnd.Write(BRep_Tool::Pnt(end).XYZ(), measured);
-    return true;
-  });
+  return Fingerprint<EdgeMeasures>(edge, reference);
 }
 
 bool FingerprintFace(const TopoDS_Shape& face, QVariantMap& reference)
 {
-  return Fingerprinted(reference, [&](QVariantMap& measured) {
-    if (face.IsNull())
-      return false;
-    const BRepAdaptor_Surface surface(TopoDS::Face(face), true);
-    GProp_GProps properties;
-    BRepGProp::SurfaceProperties(face, properties, false, false);
-    measured[kSurfaceTypeKey] = static_cast<int>(surface.GetType());
-    measured[kAreaKey] = properties.Mass();
-    kCenter.Write(properties.CentreOfMass().XYZ(), measured);
-    if (surface.GetType() == GeomAbs_Plane)
-      kNormal.Write(surface.Plane().Axis().Direction().XYZ(), measured);
-    return true;
-  });
+  return Fingerprint<FaceMeasures>(face, reference);
 }
 
 double ScoreEdge(const TopoDS_Shape& edge, const QVariantMap& reference)
 {
-  QVariantMap candidate;
-  if (!FingerprintEdge(edge, candidate))
-    return kWorstScore;
-  const double same = Distance(kStart, candidate, kStart, reference) +
-                      Distance(kEnd, candidate, kEnd, reference);
-  const double swapped = Distance(kStart, candidate, kEnd, reference) +
-                         Distance(kEnd, candidate, kStart, reference);
-  return PenaltyForKind(candidate, reference, kCurveTypeKey) + std::min(same, swapped) +
-         Distance(kMid, candidate, kMid, reference) + Difference(kLengthKey, candidate, reference);
+  return ScoreOf(edge, EdgeMeasures::In(reference));
 }
 
 double ScoreFace(const TopoDS_Shape& face, const QVariantMap& reference)
 {
-  QVariantMap candidate;
-  if (!FingerprintFace(face, candidate))
-    return kWorstScore;
-  const bool bothHaveNormals = candidate.contains(kNormal.x) && reference.contains(kNormal.x);
-  return PenaltyForKind(candidate, reference, kSurfaceTypeKey) +
-         Difference(kAreaKey, candidate, reference) +
-         Distance(kCenter, candidate, kCenter, reference) +
-         (bothHaveNormals ? Distance(kNormal, candidate, kNormal, reference) : 0.0);
+  return ScoreOf(face, FaceMeasures::In(reference));
 }
 
 int ResolveEdgeRef(const TopTools_IndexedMapOfShape& edges, const QVariantMap& reference)
 {
-  return Resolve(edges, reference, kEdges);
+  return Resolve<EdgeMeasures>(edges, reference, kEdges);
 }
 
 int ResolveFaceRef(const TopTools_IndexedMapOfShape& faces, const QVariantMap& reference)
 {
-  return Resolve(faces, reference, kFaces);
+  return Resolve<FaceMeasures>(faces, reference, kFaces);
 }
 
 } // namespace Orvex

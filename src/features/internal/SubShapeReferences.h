@@ -12,9 +12,9 @@
 //   "Shell", "Draft"   "faceIndices", "faceRefs"      integers, face references
 //   "Fillet"           "edgeRadiusSpecs"              edge references with values of the feature
 //
-// An edge reference has "edgeIndex", "curveType", "length" and the points "midX" to "midZ", "startX"
-// to "startZ", "endX" to "endZ"; a face reference "faceIndex", "surfaceType", "area", "centerX" to
-// "centerZ" and for a plane "normalX" to "normalZ".
+// An edge reference has "edgeIndex", "curveType", "length" and the points "midX" to "midZ",
+// "startX" to "startZ", "endX" to "endZ"; a face reference "faceIndex", "surfaceType", "area",
+// "centerX" to "centerZ" and for a plane "normalX" to "normalZ".
 //
 // Caveat: the nearest candidate is taken however far it lies.
 // Cost: linear in the edges or faces of the shape for each reference that is resolved; the source
