@@ -34,8 +34,8 @@ public:
   {
     Dimensions to = from;
     for (std::size_t i = 0; i < to.size(); ++i)
-      to[i] = std::clamp(to[i] * (1 + random.Real(-change, change)), 0.75 * kStart[i],
-                         1.3 * kStart[i]);
+      to[i] =
+        std::clamp(to[i] * (1 + random.Real(-change, change)), 0.75 * kStart[i], 1.3 * kStart[i]);
     return to;
   }
 
