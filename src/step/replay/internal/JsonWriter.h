@@ -1,0 +1,182 @@
+// The JSON of replay documents: no white space, keys in the order in which they are written.
+//
+//   std::string text;
+//   JsonWriter json(text);
+//   json.BeginObject();
+//   json.Field("id", id);
+//   json.Field("faceIds", faceIds);
+//   json.EndObject();
+//
+// Numbers: doubles with six significant digits in the shorter of fixed and exponent notation
+// (1e-07, 0.333333, 1e+20), the same in every locale; a NaN is written as nan and an infinity as
+// inf, which no JSON reader takes. Texts: tab, newline, carriage return, double quote and backslash
+// become \t, \n, \r, \" and \\; every other byte goes through as it is. Caveat: the text is only as
+// well formed as the calls are paired.
+#pragma once
+
+#include <charconv>
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Orvex {
+
+class JsonWriter
+{
+public:
+  // Appends to the text.
+  explicit JsonWriter(std::string& text_) : text(text_)
+  {}
+
+  void BeginObject()
+  {
+    Open('{');
+  }
+  void EndObject()
+  {
+    Close('}');
+  }
+  void BeginArray()
+  {
+    Open('[');
+  }
+  void EndArray()
+  {
+    Close(']');
+  }
+
+  void Key(std::string_view key)
+  {
+    Separate();
+    Quoted(key);
+    text.push_back(':');
+    separated = false;
+  }
+
+  void Value(bool value)
+  {
+    Separate();
+    text.append(value ? "true" : "false");
+  }
+  void Value(double value)
+  {
+    Separate();
+    constexpr int kDigits = 6;
+    char buffer[32];
+    const auto end =
+      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, kDigits);
+    text.append(buffer, end.ptr);
+  }
+  template <typename Integer>
+  requires std::integral<Integer>
+  void Value(Integer value)
+  {
+    Separate();
+    char buffer[24];
+    text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+  }
+  void Value(std::string_view value)
+  {
+    Separate();
+    Quoted(value);
+  }
+  // Would be taken for a bool.
+  void Value(const char* value)
+  {
+    Value(std::string_view(value));
+  }
+  template <typename Item>
+  void Value(const std::vector<Item>& items)
+  {
+    BeginArray();
+    for (const Item& item : items)
+      Value(item);
+    EndArray();
+  }
+
+  // A whole JSON text.
+  void Raw(std::string_view json)
+  {
+    Separate();
+    text.append(json);
+  }
+
+  template <typename Any>
+  void Field(std::string_view key, const Any& value)
+  {
+    Key(key);
+    Value(value);
+  }
+  void RawField(std::string_view key, std::string_view json)
+  {
+    Key(key);
+    Raw(json);
+  }
+
+  // An array of what `write(item)` writes, for each item.
+  template <typename Item, typename Write>
+  void ArrayField(std::string_view key, const std::vector<Item>& items, Write&& write)
+  {
+    Key(key);
+    BeginArray();
+    for (const Item& item : items)
+      write(item);
+    EndArray();
+  }
+
+private:
+  void Separate()
+  {
+    if (separated)
+      text.push_back(',');
+    separated = true;
+  }
+  void Open(char bracket)
+  {
+    Separate();
+    text.push_back(bracket);
+    separated = false;
+  }
+  void Close(char bracket)
+  {
+    text.push_back(bracket);
+    separated = true;
+  }
+  void Quoted(std::string_view value)
+  {
+    text.push_back('"');
+    for (const char c : value)
+      Escaped(c);
+    text.push_back('"');
+  }
+  void Escaped(char c)
+  {
+    switch (c) {
+    case '\t':
+      text.append("\\t");
+      break;
+    case '\n':
+      text.append("\\n");
+      break;
+    case '\r':
+      text.append("\\r");
+      break;
+    case '"':
+      text.append("\\\"");
+      break;
+    case '\\':
+      text.append("\\\\");
+      break;
+    default:
+      text.push_back(c);
+    }
+  }
+
+  std::string& text;
+  // The next value comes behind another one.
+  bool separated = false;
+};
+
+} // namespace Orvex
