@@ -114,12 +114,11 @@ double VolumeOf(const TopoDS_Shape& shape)
   return properties.Mass();
 }
 
-// Fresh copies for every attempt: the settings may let an attempt write on its operands.
 TopoDS_Shape SecondWithout(const TopoDS_Shape& common, const TopoDS_Shape& first,
                            const TopoDS_Shape& second, const BooleanSettings& settings)
 {
-  const TopoDS_Shape cut = BooleanWith(settings, BOPAlgo_CUT, CopyOf(second), common);
-  return cut.IsNull() ? BooleanWith(settings, BOPAlgo_CUT, CopyOf(second), CopyOf(first)) : cut;
+  const TopoDS_Shape cut = BooleanWith(settings, BOPAlgo_CUT, second, common);
+  return cut.IsNull() ? BooleanWith(settings, BOPAlgo_CUT, second, first) : cut;
 }
 
 // Fills the result and returns what went wrong; null for nothing.

@@ -13,7 +13,7 @@
 // Caveats:
 // - The kernel finds the label of a shape wherever it stands: a moved copy of a shape with a label
 //   stands for that label, and the rebuilt result is made of the unmoved one.
-// - Results share sub-shapes with the operands, except those of PerformSew and PerformChopEnhanced.
+// - A boolean copies its operands' topology first, whatever part of them it concerns.
 // - For the thread of the front end only.
 #pragma once
 
