@@ -14,9 +14,12 @@
 #include "frame/Text.h"
 #include "history/ParameterTarget.h"
 #include "model/Documents.h"
+#include "model/ShapeRecord.h"
 #include "parameters/GlobalParaMeterMgr.h"
 
+#include <BRepBndLib.hxx>
 #include <BRepCheck_Analyzer.hxx>
+#include <Bnd_Box.hxx>
 #include <QJsonArray>
 #include <TopExp_Explorer.hxx>
 
@@ -43,6 +46,14 @@ QString TitleOf(const std::string& key)
   const FeatureHistoryItem* item =
     FeatureHistoryManager::GetInstance().GetFeatureByLabel(LabelOf(key));
   return item == nullptr || item->name.empty() ? TextFromBytes(key) : TextFromBytes(item->name);
+}
+
+// The kernel makes shapes of values that it cannot work with afterwards.
+bool HasSize(const TopoDS_Shape& shape)
+{
+  Bnd_Box box;
+  BRepBndLib::Add(shape, box);
+  return !BoxJson(box).isNull();
 }
 
 Failure Unbuilt(const std::string& key, const QString& reason, const QString& advice = {})
@@ -126,6 +137,8 @@ private:
       throw Unbuilt(key, QStringLiteral("no such shape can be made"), AllowedOn(label));
     if (!TopExp_Explorer(shape, TopAbs_VERTEX).More())
       throw Unbuilt(key, QStringLiteral("nothing is left of it"));
+    if (!HasSize(shape))
+      throw Unbuilt(key, QStringLiteral("the result has no end"), AllowedOn(label));
     if (!BRepCheck_Analyzer(shape).IsValid())
       throw Unbuilt(key, QStringLiteral("the result is not valid (BRepCheck)"));
   }

@@ -65,6 +65,21 @@ QString ListOf(const std::vector<TDF_Label>& labels)
   return texts.join(QStringLiteral(", "));
 }
 
+// Failures of the kind's table name the kind; here the feature says more.
+template <typename Work>
+auto NamingFeature(const std::string& shapeName, Work&& work)
+{
+  try {
+    return work();
+  } catch (Failure& failure) {
+    failure.subject.clear();
+    failure.entity = failure.entity.isEmpty()
+                       ? TextFromBytes(shapeName)
+                       : TextFromBytes(shapeName) + QStringLiteral(": ") + failure.entity;
+    throw;
+  }
+}
+
 TDF_Label ShapeLabelCalled(const std::string& name)
 {
   const std::vector<TDF_Label> labels = ShapeLabelMgr::GetInstance()->GetAllShapeLabes();
@@ -171,7 +186,10 @@ ParameterTarget TargetOf(const std::string& input)
   target.text = named.text;
   target.shape = ShapeLabelCalled(shapeName);
   target.kind = &KindOn(target.shape, shapeName);
-  target.field = &target.kind->fields[FieldNamed(*target.kind, named.name.substr(colon + 1))];
+  target.name = shapeName;
+  target.field = NamingFeature(shapeName, [&] {
+    return &target.kind->fields[FieldNamed(*target.kind, named.name.substr(colon + 1))];
+  });
   target.parameter = ChildByName(target.shape, target.field->name);
   if (target.parameter.IsNull())
     throw Wrong(TextFromBytes(shapeName),
@@ -181,9 +199,11 @@ ParameterTarget TargetOf(const std::string& input)
 
 void SetValue(const ParameterTarget& target)
 {
-  const ParameterValue value = ValueOf(*target.kind, *target.field, target.text);
+  const ParameterValue value =
+    NamingFeature(target.name, [&] { return ValueOf(*target.kind, *target.field, target.text); });
   if (!std::visit(Writer{target.parameter}, value))
-    throw Wrong(TextFromBytes(target.field->name),
+    throw Wrong(TextFromBytes(target.name) + QStringLiteral(": ") +
+                  TextFromBytes(target.field->name),
                 QStringLiteral("this parameter cannot be given here"));
   EndReference(target.parameter);
   ParametricFeatureManager::GetInstance().SetParamExpressionRaw(target.parameter, {});
@@ -192,7 +212,8 @@ void SetValue(const ParameterTarget& target)
 void SetExpression(const ParameterTarget& target)
 {
   if (!std::holds_alternative<double>(target.field->initial))
-    throw Wrong(TextFromBytes(target.field->name),
+    throw Wrong(TextFromBytes(target.name) + QStringLiteral(": ") +
+                  TextFromBytes(target.field->name),
                 QStringLiteral("only a real parameter can have an expression"));
   EndReference(target.parameter);
   ParametricFeatureManager::GetInstance().SetParamExpressionRaw(target.parameter, target.text);

@@ -16,6 +16,7 @@ struct ParameterTarget
   TDF_Label parameter;
   const ShapeKind* kind = nullptr;
   const ParameterField* field = nullptr;
+  std::string name; // of the shape, as given
   std::string text; // behind the "="
 };
 

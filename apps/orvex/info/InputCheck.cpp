@@ -132,6 +132,12 @@ bool BrepEndIsMissing(int descriptor, off_t size)
   return !QString::fromLatin1(tail).contains(lastLine);
 }
 
+// A document that ends within the list of types at its start is read as one with nothing in it.
+bool DocumentTypesAreMissing(const QByteArray& head)
+{
+  return !head.contains("END_TYPES");
+}
+
 std::optional<QString> ProblemWithKind(const struct stat& status)
 {
   if (S_ISDIR(status.st_mode))
@@ -166,7 +172,8 @@ std::optional<Failure> CheckInput(const std::string& path, FileFormat format)
   head.truncate(count);
   if (!LooksLike(format, head))
     return Unreadable(path, WhatElseItIs(format, head));
-  if (format == FileFormat::Brep && BrepEndIsMissing(file.descriptor, status.st_size))
+  if ((format == FileFormat::Brep && BrepEndIsMissing(file.descriptor, status.st_size)) ||
+      (format == FileFormat::Document && DocumentTypesAreMissing(head)))
     return Unreadable(path, QStringLiteral("its end is missing: it seems to be cut off"));
   return std::nullopt;
 }

@@ -1,10 +1,10 @@
 #include "features/internal/BooleanFeature.h"
 
+#include "document/LabelScheme.h"
 #include "document/ShapeDocMgr.h"
 #include "features/ParametricFeatureManager.h"
 #include "kernel/internal/OperandKeeping.h"
 
-#include <TDF_Tool.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 #include <XCAFDoc_ShapeTool.hxx>
 
@@ -37,20 +37,13 @@ std::optional<BOPAlgo_Operation> OperationOf(const std::string& type)
   return std::nullopt;
 }
 
-TDF_Label LabelOf(const Handle(TDocStd_Document) & doc, const std::string& key)
-{
-  TDF_Label label;
-  TDF_Tool::Label(doc->GetData(), key.c_str(), label, false);
-  return label;
-}
-
 // All of them, or nothing.
 std::vector<TopoDS_Shape> ShapesOf(const Handle(TDocStd_Document) & doc,
                                    const std::vector<std::string>& keys)
 {
   std::vector<TopoDS_Shape> shapes;
   for (const std::string& key : keys) {
-    const TDF_Label label = LabelOf(doc, key);
+    const TDF_Label label = LabelOfEntry(doc, key);
     shapes.push_back(label.IsNull() ? TopoDS_Shape() : XCAFDoc_ShapeTool::GetShape(label));
     if (shapes.back().IsNull())
       return {};
@@ -105,7 +98,7 @@ bool RebuildBoolean(const std::string& type, const std::vector<std::string>& inp
   if (!operation || doc.IsNull() || inputKeys.size() < 2)
     return false;
   const std::vector<TopoDS_Shape> shapes = ShapesOf(doc, inputKeys);
-  const TDF_Label result = LabelOf(doc, resultKey);
+  const TDF_Label result = LabelOfEntry(doc, resultKey);
   if (shapes.empty() || result.IsNull())
     return false;
   const TopoDS_Shape rebuilt = Accumulated(*operation, shapes);
