@@ -229,6 +229,7 @@ void CStepFileReader::ReadIsolated(bool isFull)
 
 void CStepFileReader::BeginRead()
 {
+  replay.reset();
   report = {};
   wasCancelled = false;
   timeLimitReached = false;

@@ -41,6 +41,8 @@
 #include "step/StepReadOptions.h"
 #include "step/StepReadReport.h"
 #include "step/StepShapeData.h"
+#include "step/replay/ReplayFeatureCandidate.h"
+#include "step/replay/ReplayIRSummary.h"
 
 #include <Standard_Handle.hxx>
 
@@ -48,6 +50,7 @@
 #include <QThread>
 
 #include <atomic>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -59,7 +62,9 @@ class XSControl_TransferReader;
 
 namespace Orvex {
 class ReadControl;
+class ReplayModel;
 class WorkerRead;
+enum class ReplayScope;
 } // namespace Orvex
 
 class ORVEX_API CStepFileReader : public QThread
@@ -118,6 +123,52 @@ public:
   bool WasCancelled() const;
   bool TimeLimitReached() const;
 
+  // --- Replay: what was read, as documents from which it can be rebuilt ---
+  //
+  // The model are the shapes of the list above, or without any those of the map in the order of its
+  // keys. Summary, candidates and payloads are built at their first use and kept until the next
+  // read of either kind. All texts are JSON in the form of step/replay/internal/JsonWriter.h, or
+  // Python source. An id that the model does not have is no error: a plan without steps, a payload
+  // of {} and no candidates. Not beside the thread, nor beside each other.
+  // Cost: a solid's bundle holds all its geometry, once as the kernel's text and once by faces.
+
+  Orvex::ReplayIRSummary BuildReplayIRSummary() const;
+  std::string BuildReplayIRSummaryJson() const;
+  std::vector<Orvex::ReplayFeatureCandidate> BuildReplayFeatureCandidates() const;
+  std::string BuildReplayFeatureCandidatesJson() const;
+
+  // Counts, ids of solids and shells, candidates by kind.
+  std::string BuildReplayManifestJson() const;
+  // Manifest, summary and all candidates.
+  std::string BuildReplayBundleJson() const;
+  std::string BuildReplayManifestPythonScript() const;
+
+  std::string BuildReplayFacePlanJson(std::uint64_t id) const;
+  std::string BuildReplayShellPlanJson(std::uint64_t id) const;
+  std::string BuildReplaySolidPlanJson(std::uint64_t id) const;
+  std::string BuildReplayFaceCommandContractJson(std::uint64_t id) const;
+  std::string BuildReplayShellCommandContractJson(std::uint64_t id) const;
+  std::string BuildReplaySolidCommandContractJson(std::uint64_t id) const;
+  std::string BuildReplayFaceCommandRequestsJson(std::uint64_t id) const;
+  std::string BuildReplayShellCommandRequestsJson(std::uint64_t id) const;
+  std::string BuildReplaySolidCommandRequestsJson(std::uint64_t id) const;
+
+  // Payload, candidates, plan, contract and requests of one entity.
+  std::string BuildReplayFaceBundleJson(std::uint64_t id) const;
+  std::string BuildReplayShellBundleJson(std::uint64_t id) const;
+  std::string BuildReplaySolidBundleJson(std::uint64_t id) const;
+  std::string BuildReplayFacePythonScript(std::uint64_t id) const;
+  std::string BuildReplayShellPythonScript(std::uint64_t id) const;
+  std::string BuildReplaySolidPythonScript(std::uint64_t id) const;
+
+  // Exact geometry. A curve has the id of its edge, a surface and a trim that of their face.
+  std::string ExpandReplayCurvePayloadJson(std::uint64_t id) const;
+  std::string ExpandReplaySurfacePayloadJson(std::uint64_t id) const;
+  std::string ExpandReplayFacePayloadJson(std::uint64_t id) const;
+  std::string ExpandReplayFaceTrimPayloadJson(std::uint64_t id) const;
+  std::string ExpandReplayShellPayloadJson(std::uint64_t id) const;
+  std::string ExpandReplaySolidPayloadJson(std::uint64_t id) const;
+
 protected:
   QString inputFileName;
   std::map<std::string, TopoDS_Shape> importShapes;
@@ -141,6 +192,8 @@ private:
                   TopoDS_Shape& shape);
   std::string PlainNameOf(const opencascade::handle<Standard_Transient>& entity) const;
   static int& NextNumberForUnnamed();
+  std::vector<TopoDS_Shape> CollectReplayRootShapes() const;
+  Orvex::ReplayModel& Replay() const;
 
   QString baseName; // also the model name of what is derived from the read shapes
   std::vector<StepShapeData> shapeDataList;
@@ -153,4 +206,7 @@ private:
   std::atomic<bool> cancelRequested{false};
   bool wasCancelled = false;
   bool timeLimitReached = false;
+
+  // Built of what was read last; null while nothing was asked for.
+  mutable std::unique_ptr<Orvex::ReplayModel> replay;
 };

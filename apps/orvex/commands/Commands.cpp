@@ -10,6 +10,7 @@ std::span<const Command> AllCommands()
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
     {"rebuild", "Change parameters of a saved document and rebuild what depends on them",
      DeclareRebuild},
+    {"replay", "Plans and scripts that rebuild a STEP model", DeclareReplay},
     {"version", "The versions of the library and of what it stands on", DeclareVersion},
   };
   return kCommands;

@@ -11,6 +11,7 @@ Action DeclareHistory(CLI::App& options);
 Action DeclareInfo(CLI::App& options);
 Action DeclareNew(CLI::App& options);
 Action DeclareRebuild(CLI::App& options);
+Action DeclareReplay(CLI::App& options);
 Action DeclareVersion(CLI::App& options);
 
 } // namespace Orvex::Cli

@@ -1,0 +1,239 @@
+// orvex replay: what can be told about rebuilding a STEP model, and scripts that do it.
+#include "commands/Commands.h"
+
+#include "frame/PendingFile.h"
+#include "frame/Text.h"
+#include "frame/Worker.h"
+#include "info/InputCheck.h"
+#include "replay/ReplayExport.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <filesystem>
+#include <memory>
+#include <unistd.h>
+
+namespace Orvex::Cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr double kStallLimitSeconds = 120.0;
+
+struct FormRow
+{
+  const char* option;
+  ReplayForm form;
+  const char* help;
+  bool ofModel, ofEntity;
+};
+
+constexpr FormRow kForms[] = {
+  {"--manifest", ReplayForm::Manifest, "Counts, ids, features by kind (the default)", true, false},
+  {"--summary", ReplayForm::Summary, "Every entity with its ids and counts", true, false},
+  {"--features", ReplayForm::Features, "All feature candidates", true, false},
+  {"--bundle", ReplayForm::Bundle, "All of it together", true, true},
+  {"--plan", ReplayForm::Plan, "The steps of a rebuild", false, true},
+  {"--contract", ReplayForm::Contract, "Its commands", false, true},
+  {"--requests", ReplayForm::Requests, "Its commands with their inputs", false, true},
+  {"--payload", ReplayForm::Payload, "The exact geometry", false, true},
+  {"--script", ReplayForm::Script, "A Python script", true, true},
+};
+
+struct ReplayOptions
+{
+  std::string path;
+  std::map<ReplayForm, bool> forms;
+  std::uint64_t face = 0, shell = 0, solid = 0;
+  ReplayScopeWord scope = ReplayScopeWord::Model;
+  bool all = false;
+  std::string output;
+};
+
+Failure Wrong(const QString& reason, const QString& advice = {})
+{
+  return {ExitCode::Usage, {}, {}, reason, advice};
+}
+
+ReplayWish WishOf(const ReplayOptions& options)
+{
+  const bool isModel = options.scope == ReplayScopeWord::Model;
+  ReplayWish wish{options.scope,
+                  std::max({options.face, options.shell, options.solid}),
+                  isModel ? ReplayForm::Manifest : ReplayForm::Bundle};
+  bool chosen = false;
+  for (const FormRow& row : kForms) {
+    const auto found = options.forms.find(row.form);
+    if (found == options.forms.end() || !found->second)
+      continue;
+    if (chosen)
+      throw Wrong(QStringLiteral("one document at a time"));
+    if (!(isModel ? row.ofModel : row.ofEntity))
+      throw Wrong(QStringLiteral("%1 is no document of %2")
+                    .arg(row.option, isModel ? "the whole model" : "an entity"),
+                  isModel ? QStringLiteral("name one with --face, --shell or --solid") : QString());
+    wish.form = row.form;
+    chosen = true;
+  }
+  return wish;
+}
+
+QJsonObject InWorker(const ReplayOptions& options, Session& session, const WorkerJob& job)
+{
+  const QString subject = TextFromBytes(options.path);
+  ProgressDisplay progress(session.Streams(), session.Options(), subject);
+  const WorkerOptions limits{session.Options().timeLimitSeconds, kStallLimitSeconds,
+                             session.Options().verbose};
+  return ResultOfWorker(job, limits, progress,
+                        {ExitCode::Unreadable, subject, "read", "reading", {}, {}});
+}
+
+// A file without a name, which the worker fills and this process reads.
+class Scratch
+{
+public:
+  Scratch() : file(std::tmpfile())
+  {
+    if (file == nullptr)
+      throw Failure{ExitCode::Partial, {}, {},
+                    QStringLiteral("there can be no temporary file: %1").arg(std::strerror(errno)),
+                    QStringLiteral("-o writes to a file of its own")};
+  }
+  ~Scratch()
+  {
+    std::fclose(file);
+  }
+  Scratch(const Scratch&) = delete;
+  Scratch& operator=(const Scratch&) = delete;
+
+  int Descriptor() const
+  {
+    return ::fileno(file);
+  }
+
+  void CopyTo(Console& console) const
+  {
+    constexpr std::size_t kPiece = 1 << 20;
+    std::rewind(file);
+    QByteArray piece(kPiece, '\0');
+    while (const std::size_t count = std::fread(piece.data(), 1, kPiece, file))
+      console.WriteResult(QByteArray::fromRawData(piece.constData(), qsizetype(count)));
+  }
+
+private:
+  std::FILE* file;
+};
+
+ExitCode ExportOne(const ReplayOptions& options, Session& session)
+{
+  const ReplayWish wish = WishOf(options);
+  const auto exportTo = [&](int descriptor) {
+    InWorker(options, session, [&](const ProgressSink& sink) {
+      return ExportReplay(options.path, wish, descriptor, sink);
+    });
+  };
+  if (options.output.empty()) {
+    const Scratch scratch;
+    exportTo(scratch.Descriptor());
+    scratch.CopyTo(session.Streams());
+    return ExitCode::Done;
+  }
+  PendingFile file(options.output);
+  const int descriptor = ::open(file.Path().c_str(), O_WRONLY | O_CLOEXEC);
+  exportTo(descriptor);
+  ::close(descriptor);
+  file.Commit();
+  return ExitCode::Done;
+}
+
+// A folder that becomes part of another one file by file, once all files are there.
+class PendingFolder
+{
+public:
+  explicit PendingFolder(const std::string& target_) : target(target_)
+  {
+    std::error_code error;
+    fs::create_directories(target, error);
+    path = (fs::path(target) / ".replay.XXXXXX").string();
+    if (error || ::mkdtemp(path.data()) == nullptr)
+      throw Failure{ExitCode::Partial, TextFromBytes(target), {},
+                    QStringLiteral("cannot be written: %1").arg(std::strerror(errno)), {}};
+  }
+  ~PendingFolder()
+  {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+  PendingFolder(const PendingFolder&) = delete;
+  PendingFolder& operator=(const PendingFolder&) = delete;
+
+  const std::string& Path() const
+  {
+    return path;
+  }
+
+  void Commit() const
+  {
+    for (const fs::directory_entry& entry : fs::directory_iterator(path))
+      fs::rename(entry.path(), fs::path(target) / entry.path().filename());
+  }
+
+private:
+  const std::string target;
+  std::string path;
+};
+
+ExitCode ExportAll(const ReplayOptions& options, Session& session)
+{
+  if (options.output.empty())
+    throw Wrong(QStringLiteral("--all needs a folder"), QStringLiteral("-o DIR"));
+  const PendingFolder folder(options.output);
+  QJsonObject exported = InWorker(options, session, [&](const ProgressSink& sink) {
+    return ExportAllScripts(options.path, folder.Path(), sink);
+  });
+  folder.Commit();
+  exported.insert("schema", "orvex.replay");
+  exported.insert("version", 1);
+  exported.insert("file", TextFromBytes(options.path));
+  exported.insert("folder", TextFromBytes(options.output));
+  session.Options().json ? session.Result(exported) : session.Result(ScriptsText(exported));
+  return ExitCode::Done;
+}
+
+ExitCode RunReplay(const ReplayOptions& options, Session& session)
+{
+  if (const auto problem = CheckInput(options.path, FileFormat::Step))
+    throw *problem;
+  return options.all ? ExportAll(options, session) : ExportOne(options, session);
+}
+
+} // namespace
+
+Action DeclareReplay(CLI::App& app)
+{
+  const auto options = std::make_shared<ReplayOptions>();
+  app.add_option("FILE", options->path, "A STEP file")->required();
+  for (const FormRow& row : kForms)
+    app.add_flag(row.option, options->forms[row.form], row.help);
+  CLI::Option_group* entity = app.add_option_group("entity");
+  entity->require_option(0, 1);
+  const auto addEntity = [&](const char* name, std::uint64_t& id, ReplayScopeWord scope) {
+    entity->add_option(name, id, "Of this one instead of the whole model")
+      ->option_text("N")
+      ->each([options, scope](const std::string&) { options->scope = scope; });
+  };
+  addEntity("--face", options->face, ReplayScopeWord::Face);
+  addEntity("--shell", options->shell, ReplayScopeWord::Shell);
+  addEntity("--solid", options->solid, ReplayScopeWord::Solid);
+  app.add_flag("--all", options->all, "A script for each solid, in the folder of -o");
+  app.add_option("-o,--output", options->output, "Write there instead of to standard output")
+    ->option_text("FILE");
+  return [options](Session& session) { return RunReplay(*options, session); };
+}
+
+} // namespace Orvex::Cli
