@@ -10,8 +10,7 @@ namespace {
 using testing::EndsWith;
 using testing::StartsWith;
 
-std::string Script(std::string_view bundle, std::string_view scope = "solid",
-                   std::uint64_t id = 3)
+std::string Script(std::string_view bundle, std::string_view scope = "solid", std::uint64_t id = 3)
 {
   return Orvex::StepPythonReplayExporter().ExportReplayBundleScript(bundle, scope, id);
 }
@@ -42,9 +41,9 @@ TEST(StepPythonReplayExporter, ValuesStandAmongTheConstantsAndTheFixedTextAround
                                  "REPLAY_BUNDLE = json.loads(REPLAY_BUNDLE_JSON)\n"
                                  "def get_primary_strategy():\n"));
   EXPECT_THAT(script, EndsWith("\n\nif __name__ == \"__main__\":\n    _run_as_main()\n"));
-  EXPECT_EQ(ValueOf(Script("{}", "face", std::numeric_limits<std::uint64_t>::max()),
-                    "REPLAY_ENTITY_ID"),
-            "18446744073709551615");
+  EXPECT_EQ(
+    ValueOf(Script("{}", "face", std::numeric_limits<std::uint64_t>::max()), "REPLAY_ENTITY_ID"),
+    "18446744073709551615");
 }
 
 TEST(StepPythonReplayExporter, FiveBytesAreEscapedAndNoOther)
