@@ -42,6 +42,7 @@ class StepPayloads(unittest.TestCase):
         self.assertEqual((payload["faceIds"], payload["faces"]), ([1, 9, 2], faces([1, 2])))
         self.assertEqual((payload["shellIds"], payload["shells"]), ([7, 8], [shell()]))
         self.assertEqual(payload["tags"], ["some_kind"])
+        self.assertEqual(self.materialize(NAMED, {"tags": ["own"]})["tags"], ["own"])
         nothing = self.materialize({}, {})
         self.assertEqual((nothing["kind"], nothing["faceIds"], nothing["faces"]), (None, [], []))
 
@@ -96,8 +97,11 @@ class StepPayloads(unittest.TestCase):
         for strategy, keys in expected.items():
             own = load(solid_bundle(strategy, caps, supports, trimmed)).replay(Host())["strategyResult"]
             bare = solid_bundle(strategy, [], [], [])
-            for record in (*bare["plan"]["steps"], *bare["commandRequests"]["requests"]):
-                record["shellIds"] = []
+            for request in bare["commandRequests"]["requests"]:
+                request["shellIds"] = []
+            # What the requests tell must do, as it does in all steps.
+            for step in bare["plan"]["steps"]:
+                step.update({key: [] for key in step if key.endswith("Ids")})
             filled = load(bare).replay(Host())["strategyResult"]
             self.assertEqual({key: (own[key], filled[key]) for key in keys}, keys, strategy)
             kinds = [step["kind"] for step in bare["plan"]["steps"]][5:7]
@@ -123,12 +127,13 @@ class CommandPayloads(unittest.TestCase):
         step = {**NAMED, "parameterKeys": ["absent"]}
         own = {"contractName": "C", "kind": "k", "scope": "face", "entityId": 5, "targetKind": "t", "resultKey": "r",
                "inputGroups": [{"name": "faces", "ids": [1]}]}
-        groups = {"faces": [face(1)], "supportFaces": [], "capFaces": [], "trimmedFaces": []}
-        payload = self.command_payload({"kind": "p", "faces": [face(1)]}, step, own)
+        groups = {"faces": [face(1)], "supportFaces": [face(2)], "capFaces": [face(3)], "trimmedFaces": [face(4)]}
+        payload = self.command_payload({"kind": "p", **groups}, step, own)
         self.assertEqual(payload, {"schemaVersion": 1, **own, "groups": groups, "parameterKeys": ["absent"]})
         payload = self.command_payload({"kind": "p", "scope": "solid", "entityId": 3}, step, {})
         self.assertEqual([payload[key] for key in self.BASE if key != "groups"],
                          [1, "ReplayCommandV1", "p", "solid", 3, "target", "result", []])
+        self.assertEqual(payload["groups"], dict.fromkeys(groups, []))
         self.assertEqual(self.command_payload({}, {}, {})["contractName"], "PlanName")
 
     def test_a_binding_takes_the_first_value_that_is_not_empty(self):
@@ -147,6 +152,23 @@ class CommandPayloads(unittest.TestCase):
         self.assertEqual(bound(values, ("sections", "capFaces", [])), {})
         self.assertEqual(bound(values, ("sections", "", ["faces"])), {"sections": [1]})
         self.assertEqual(bound(values, ("", "faces", ["faces"])), {})
+
+    def test_the_exact_request_is_a_copy_that_asks_for_a_plain_solid(self):
+        script = load({"plan": {"contractName": "PlanName"}})
+        request = {"stepId": 9, "commandName": "Sweep", "apiCandidates": ["mine"], "bindings": [], "tags": ["t"]}
+        before = dict(request)
+        exact = script._exact_brep_request({"contractName": "StepName"}, request)
+        self.assertEqual(exact, {
+            "stepId": 9, "contractName": "StepName", "commandName": "BuildSolid", "tags": ["t"],
+            "apiCandidates": ["buildSolidFromReplay"],
+            "parameterKeys": ["faces", "supportFaces", "capFaces", "trimmedFaces"],
+            "bindings": [{"parameterName": name, "sourceKey": name, "fallbackSourceKeys": fallbacks}
+                         for name, fallbacks in (("faces", []), ("supportFaces", ["faces"]),
+                                                 ("capFaces", ["faces"]), ("trimmedFaces", ["faces"]))]})
+        self.assertEqual(request, before)
+        names = [script._exact_brep_request(step, own)["contractName"] for step, own in (
+            ({"contractName": "StepName"}, {"contractName": "Own"}), ({}, {}))]
+        self.assertEqual(names, ["Own", "PlanName"])
 
     def test_without_bindings_the_keys_of_the_step_decide(self):
         step_payload = {"faces": [1], "kind": "p", "groups": "of the step"}

@@ -44,28 +44,27 @@ class Strategies(unittest.TestCase):
             with self.subTest(strategy=strategy, debug=debug, experimental=experimental):
                 host = Host()
                 bundle = solid_bundle(strategy)
-                load(bundle, REPLAY_DEBUG_INTERMEDIATES=debug,
-                     REPLAY_EXPERIMENTAL_STRATEGY_BUILD=experimental).replay(host)
+                answer = load(bundle, REPLAY_DEBUG_INTERMEDIATES=debug,
+                              REPLAY_EXPERIMENTAL_STRATEGY_BUILD=experimental).replay(host)
                 expected = [(name, BASE + (keys if END[0] in keys else keys + END))
                             for name, keys in expected_calls(strategy, debug, experimental)]
                 self.assertEqual([(name, list(payload)) for name, payload in host.calls], expected)
+                result = answer["strategyResult"]
+                if result:
+                    self.assertEqual(result["apiResult"], {"api": host.calls[0][0], "ok": True, "result": 1})
+                    self.assertIs(result["commandPayload"], host.calls[0][1])
+                    self.assertEqual(result["request"]["stepId"], result["executedStepIds"][-1])
 
     def test_the_exact_text_makes_the_solid_under_a_name_of_its_own(self):
         for strategy, name in [("sweep", "ReplaySweep_3"), ("loft", "ReplayLoft_3"), ("revolve", "ReplayRevolve_3"),
                                ("boolean", "ReplayBoolean_3")]:
             bundle = solid_bundle(strategy)
             host = Host("buildSolidFromReplay")
-            result = load(bundle).replay(host)["strategyResult"]
+            load(bundle).replay(host)
             (_, payload), = host.calls
             self.assertEqual((payload["name"], payload["exactBrep"]), (name, solid()["exactBrep"]))
             self.assertEqual((payload["kind"], payload["contractName"]), ("build_solid", "ReplayCommandV1"))
-            self.assertIs(result["commandPayload"], payload)
-            self.assertEqual(result["request"]["commandName"], "BuildSolid")
-            self.assertEqual(result["request"]["apiCandidates"], ["buildSolidFromReplay"])
-            self.assertEqual(result["request"]["bindings"][3], {"parameterName": "trimmedFaces",
-                             "sourceKey": "trimmedFaces", "fallbackSourceKeys": ["faces"]})
-            self.assertEqual(result["request"]["parameterKeys"], FOUR)
-            # The bundle's own request stays what it was.
+            # The replay leaves the bundle as it was.
             self.assertEqual(bundle, solid_bundle(strategy))
 
     def test_names_without_an_id_and_of_other_strategies(self):
@@ -93,7 +92,19 @@ class Strategies(unittest.TestCase):
         self.assertEqual((primitive["strategy"], primitive["executedStepIds"]), ("primitive_box", [6]))
         self.assertEqual((primitive["primitiveStrategy"], primitive["commandPayload"]["primitiveStrategy"]),
                          ("primitive_box", "primitive_box"))
-        self.assertEqual(script.get_semantic_strategy(), "boolean")
+        self.assertEqual((script.get_primary_strategy(), script.get_semantic_strategy()),
+                         ("primitive_box", "boolean"))
+
+    def test_without_a_strategy_of_its_own_each_known_step_runs_by_itself(self):
+        known = [kind for steps, _ in STRATEGIES.values() for kind, *_ in steps]
+        known += ["validate_shell", "infer_primary_rebuild_strategy", "build_solid", "validate_solid"]
+        behind_the_switch = ["define_surface", "define_trim_loops", "build_trimmed_face", "sew_shell"]
+        kinds = ["engrave", *known, *behind_the_switch, "paint"]
+        bundle = bundle_of(solid(), [make_step(i, kind, kind, [], []) for i, kind in enumerate(kinds, 1)])
+        for debug in (False, True):
+            result = load(bundle, REPLAY_DEBUG_INTERMEDIATES=debug).replay(Host())
+            self.assertEqual([step["kind"] for step in result["created"]], known + behind_the_switch * debug)
+            self.assertEqual([step["kind"] for step in result["pending"]], ["engrave", "paint"])
 
 
 class Scopes(unittest.TestCase):
@@ -104,6 +115,8 @@ class Scopes(unittest.TestCase):
             self.assertEqual((host.calls, result["created"], result["pending"]), ([], [], []))
             self.assertEqual((result["strategy"], result["semanticStrategy"], result["strategyResult"]),
                              ("generic_brep", "generic_brep", None))
+        script = load({})
+        self.assertEqual((script.get_primary_strategy(), script.get_semantic_strategy()), ("generic_brep",) * 2)
 
     def test_a_face_needs_the_intermediates(self):
         bundle = bundle_of(face(4), face_group(1, 4), "trimmed_face")
@@ -114,6 +127,15 @@ class Scopes(unittest.TestCase):
         self.assertEqual(host.names(), [name for name, _ in DEBUG[:3]])
         self.assertEqual([payload["faces"] for _, payload in host.calls], [[face(4)]] * 3)
         self.assertEqual([step["entityId"] for step in created], [4, 4, 4])
+
+    # The plan of a face bears the strategy of the solid that the face is part of.
+    def test_a_face_of_a_swept_solid_asks_for_a_solid_without_geometry(self):
+        host = Host()
+        result = load(bundle_of(face(4), face_group(1, 4), "sweep")).replay(host)
+        (name, payload), = host.calls
+        self.assertEqual((name, payload["name"], payload["entityId"]), ("buildSolidFromReplay", "ReplaySweep", None))
+        self.assertNotIn("exactBrep", payload)
+        self.assertEqual((result["strategyResult"]["executedStepIds"], result["created"]), ([], []))
 
     def test_a_shell_is_validated_and_on_request_sewn(self):
         steps = [sew(1), make_step(2, "validate_shell", "ValidateShell", ["validateShellReplay"], ["faces"],
