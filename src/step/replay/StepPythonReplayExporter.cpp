@@ -3,50 +3,58 @@
 #include "step/replay/internal/ReplayScriptText.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 
 namespace Orvex {
 namespace {
 
-// The letter that stands for a byte behind a backslash, 0 for a byte that stands for itself.
+// The letter that stands for a byte behind a backslash, 0 for a byte that stands for itself. A
+// table, because bundles have megabytes and mostly bytes of the second kind.
+constexpr auto kEscapeLetters = [] {
+  std::array<char, 256> letters{};
+  letters['\t'] = 't';
+  letters['\n'] = 'n';
+  letters['\r'] = 'r';
+  letters['\''] = '\'';
+  letters['\\'] = '\\';
+  return letters;
+}();
+
 constexpr char EscapeLetter(char c)
 {
-  switch (c) {
-  case '\t':
-    return 't';
-  case '\n':
-    return 'n';
-  case '\r':
-    return 'r';
-  case '\'':
-  case '\\':
-    return c;
-  default:
-    return 0;
-  }
+  return kEscapeLetters[static_cast<unsigned char>(c)];
+}
+
+using TextIterator = std::string_view::const_iterator;
+
+TextIterator NextEscaped(TextIterator from, TextIterator end)
+{
+  return std::find_if(from, end, [](char c) { return EscapeLetter(c) != 0; });
 }
 
 std::size_t LiteralSize(std::string_view text)
 {
-  const auto escaped =
-    std::count_if(text.begin(), text.end(), [](char c) { return EscapeLetter(c) != 0; });
-  return text.size() + static_cast<std::size_t>(escaped) + 2;
+  auto size = text.size() + 2;
+  for (auto next = NextEscaped(text.begin(), text.end()); next != text.end();
+       next = NextEscaped(next + 1, text.end())) {
+    ++size;
+  }
+  return size;
 }
 
 void AppendLiteral(std::string& out, std::string_view text)
 {
   out.push_back('\'');
-  auto rest = text.begin();
-  while (rest != text.end()) {
-    const auto next = std::find_if(rest, text.end(), [](char c) { return EscapeLetter(c) != 0; });
-    out.append(rest, next);
-    rest = next;
-    if (next != text.end()) {
-      out.push_back('\\');
-      out.push_back(EscapeLetter(*next));
-      ++rest;
-    }
+  auto from = text.begin();
+  for (auto next = NextEscaped(from, text.end()); next != text.end();
+       next = NextEscaped(from, text.end())) {
+    out.append(from, next);
+    out.push_back('\\');
+    out.push_back(EscapeLetter(*next));
+    from = next + 1;
   }
+  out.append(from, text.end());
   out.push_back('\'');
 }
 
