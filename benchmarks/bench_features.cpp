@@ -7,6 +7,7 @@
 // the same keys and edges in hash maps; for a query of the history, one pass over its items and
 // inputs.
 
+#include "Timing.h"
 #include "creators/BoxShapeParaCreator.h"
 #include "document/LabelScheme.h"
 #include "features/ParametricFeatureManager.h"
@@ -61,16 +62,6 @@ public:
 
   Handle(TDocStd_Document) document;
 };
-
-double MicrosecondsPerIteration(benchmark::State& state, const std::function<void()>& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  for ([[maybe_unused]] auto iteration : state)
-    work();
-  const std::chrono::duration<double, std::micro> elapsed =
-    std::chrono::steady_clock::now() - start;
-  return elapsed.count() / static_cast<double>(state.iterations());
-}
 
 double MicrosecondsOnce(const std::function<void()>& work)
 {

@@ -2,6 +2,7 @@
 // same builder and the same SetShape on the same label. Prints microseconds of overhead and the
 // ratio.
 
+#include "Timing.h"
 #include "creators/KindShapeParaCreator.h"
 #include "document/ShapeDocMgr.h"
 
@@ -78,16 +79,6 @@ struct Subject
   Handle(TDocStd_Document) document;
   TDF_Label label;
 };
-
-double MicrosecondsPerIteration(benchmark::State& state, const std::function<void()>& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  for ([[maybe_unused]] auto iteration : state)
-    work();
-  const std::chrono::duration<double, std::micro> elapsed =
-    std::chrono::steady_clock::now() - start;
-  return elapsed.count() / static_cast<double>(state.iterations());
-}
 
 void Kernel(benchmark::State& state, const ShapeKind* kind)
 {

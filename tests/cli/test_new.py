@@ -1,5 +1,4 @@
 """orvex new: every kind made, written, and read back; every parameter given every bad value."""
-import json
 import math
 import os
 import pathlib

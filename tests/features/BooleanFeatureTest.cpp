@@ -70,17 +70,6 @@ TEST_F(BooleanFeature, BothWordsOfEachKindRunInTheOrderOfTheInputs)
     }
 }
 
-TEST_F(BooleanFeature, FollowsWhatStandsOnTheOperandLabels)
-{
-  Orvex::RegisterBooleanFeature("BooleanCut", result, {a, b});
-  Orvex::SetReal(Orvex::ChildByName(b, "Height"), 4);
-  BoxShapeParaCreator().UpdateShape(b);
-  const std::string before = DumpOf(a) + DumpOf(b);
-  EXPECT_TRUE(Rebuild());
-  EXPECT_NEAR(VolumeOf(ShapeOn(result)), 1000 - 5 * 10 * 4, 1e-6);
-  EXPECT_TRUE(SameDump(DumpOf(a) + DumpOf(b), before));
-}
-
 TEST_F(BooleanFeature, RecordsTheKeysOfTheInputsInOrder)
 {
   ASSERT_TRUE(Orvex::RegisterBooleanFeatureFromHistory(Item("Common", {b, TDF_Label(), a})));

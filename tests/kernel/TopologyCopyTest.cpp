@@ -5,7 +5,6 @@
 
 #include <BRepAlgoAPI_Fuse.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
-#include <BRepPrimAPI_MakeSphere.hxx>
 #include <BRepPrimAPI_MakeTorus.hxx>
 #include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
@@ -47,14 +46,12 @@ TopoDS_Shape EdgeWithInternalVertex()
 std::vector<TopoDS_Shape> Samples()
 {
   std::vector<TopoDS_Shape> shapes = {EdgeWithInternalVertex(), Turned(BoxAt(1, 2, 3)),
-                                      BRepPrimAPI_MakeTorus(5, 2).Shape(),
-                                      Turned(BRepPrimAPI_MakeSphere(3).Shape())};
+                                      Turned(BRepPrimAPI_MakeTorus(5, 2).Shape())};
   for (const OperandPair& pair : SolidPairs()) {
     shapes.push_back(pair.first);
     shapes.push_back(BRepAlgoAPI_Fuse(pair.first, pair.second).Shape());
   }
-  for (TopExp_Explorer edge(shapes[1], TopAbs_EDGE); edge.More(); edge.Next())
-    shapes.push_back(edge.Current());
+  shapes.push_back(TopExp_Explorer(shapes[1], TopAbs_EDGE).Current());
   return shapes;
 }
 

@@ -89,19 +89,19 @@ protected:
 
 TEST_F(GeometryOp, ResultsAreCompoundsByTypeWithNumbersThatGoUp)
 {
+  TopoDS_Shape stray = BoxAt(2, 2, 2);
   std::vector<TopoDS_Shape> single = {a};
   const TDF_Label results[] = {OrvexGeometryOp::PerformUnite(single, true),
-                               OrvexGeometryOp::PerformSubtract(a, b, eBOOL_KEEP_BOTH),
-                               OrvexGeometryOp::PerformSew(a, b)};
+                               OrvexGeometryOp::PerformSew(a, b),
+                               OrvexGeometryOp::PerformSubtract(a, stray, eBOOL_KEEP_BOTH)};
   int number = 2; // after the two boxes
   for (const TDF_Label& result : results) {
     ASSERT_FALSE(result.IsNull());
     EXPECT_EQ(*Orvex::NameOf(result), TCollection_AsciiString("compound") + number++);
     EXPECT_EQ(Orvex::ValidTypeOf(result), Orvex::kTypeCompound);
-    TopoDS_Shape shape = ShapeOn(result);
-    EXPECT_EQ(ShapeLabelMgr::GetInstance()->GetShapeDisplayMode(shape), "surface");
     for (int tag = Orvex::kTypeTag; tag <= Orvex::kDisplayModeTag; ++tag)
       EXPECT_TRUE(Orvex::NameOf(result.FindChild(tag, false)).has_value()) << tag;
+    EXPECT_EQ(FeatureOn(result), nullptr) << "sewn, or made of one shape with a label";
   }
 }
 
@@ -166,17 +166,13 @@ TEST_F(GeometryOp, OperandsOnTheirLabelsStayBitForBit)
 
 TEST_F(GeometryOp, EachIsOneUndoStep)
 {
+  std::vector<TopoDS_Shape> shapes = {a, b};
+  TopoDS_Shape chopped;
   const std::vector<std::function<void()>> operations = {
-    [&] {
-      std::vector<TopoDS_Shape> shapes = {a, b};
-      OrvexGeometryOp::PerformUnite(shapes, true);
-    },
+    [&] { OrvexGeometryOp::PerformUnite(shapes, true); },
     [&] { OrvexGeometryOp::PerformSubtract(a, b, eBOOL_REMOVE_BOTH); },
     [&] { OrvexGeometryOp::PerformSew(a, b); },
-    [&] {
-      TopoDS_Shape result;
-      OrvexGeometryOp::PerformChop(a, b, result, false);
-    },
+    [&] { OrvexGeometryOp::PerformChop(a, b, chopped, false); },
   };
   for (const auto& operation : operations) {
     const std::string before = Dump();
@@ -224,16 +220,6 @@ TEST_F(GeometryOp, ResultsAreRegisteredAndFollowTheirOperands)
   EXPECT_TRUE(FeatureOn(cut)->rebuild() && FeatureOn(fuse)->rebuild());
   EXPECT_NEAR(VolumeOf(ShapeOn(cut)), 1000 - 5 * 5 * 2, 1e-6);
   EXPECT_NEAR(VolumeOf(ShapeOn(fuse)), 1000 + 200 - 5 * 5 * 2, 1e-6);
-}
-
-TEST_F(GeometryOp, WithoutTwoLabelsNothingIsRegistered)
-{
-  TopoDS_Shape stray = BoxAt(2, 2, 2);
-  std::vector<TopoDS_Shape> single = {a}, pair = {a, stray};
-  EXPECT_EQ(FeatureOn(OrvexGeometryOp::PerformUnite(single, true)), nullptr);
-  EXPECT_EQ(FeatureOn(OrvexGeometryOp::PerformUnite(pair, true)), nullptr);
-  EXPECT_EQ(FeatureOn(OrvexGeometryOp::PerformSubtract(b, stray, eBOOL_KEEP_BOTH)), nullptr);
-  EXPECT_EQ(FeatureOn(OrvexGeometryOp::PerformSew(a, b)), nullptr);
 }
 
 TEST_F(GeometryOpUnparametric, TheOptionTellsWhatIsRemoved)
@@ -332,9 +318,8 @@ TEST_F(GeometryOp, AChopTakesTheFirstShapeFromTheDocumentIfAsked)
   EXPECT_TRUE(OrvexGeometryOp::PerformChop(a, b, result, true));
   EXPECT_TRUE(IsThere(a));
   EXPECT_TRUE(OrvexGeometryOp::PerformChop(a, b, result, false));
-  EXPECT_FALSE(IsThere(a));
+  EXPECT_FALSE(IsThere(a) || IsThere(result));
   EXPECT_TRUE(IsThere(b));
-  EXPECT_FALSE(IsThere(result));
   EXPECT_NEAR(VolumeOf(result), 875, 1e-6);
 }
 

@@ -4,8 +4,8 @@
 // given. With its default options a boolean raises the tolerances of its operands' edges and
 // vertices, adds curves on surfaces to edges that have none there, and takes the mark "free" from
 // an operand that becomes part of the result as a whole; without that mark the kernel adds nothing
-// to a shape any more. Its non-destructive mode does only the last, but for a few in ten thousand
-// random pairs of valid solids its result is wrong where that of the default mode is right. So the
+// to a shape any more. Its non-destructive mode does only the last, but now and then it gives
+// another, wrong result: for one or two in ten thousand random pairs of valid operands. So the
 // kernel gets copies of the operands' topology. That costs a few percent of a boolean; half of it
 // comes back, since the history of sub-shapes is switched off.
 //

@@ -74,14 +74,14 @@ TShape TopologyCopier::CopyOf(const TShape& original)
   const auto found = copies.find(original.get());
   if (found != copies.end())
     return found->second;
-  const TShape copy = MakeCopy(original);
+  TShape copy = MakeCopy(original);
   copies.emplace(original.get(), copy);
   return copy;
 }
 
 TShape TopologyCopier::MakeCopy(const TShape& original)
 {
-  const TShape copy = original->EmptyCopy();
+  TShape copy = original->EmptyCopy();
   TopoDS_Shape holder = ShapeOf(copy);
   for (TopoDS_Iterator part(ShapeOf(original), false, false); part.More(); part.Next())
     BRep_Builder().Add(holder, Copy(part.Value()));
