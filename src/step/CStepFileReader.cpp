@@ -13,6 +13,7 @@
 #include "step/internal/ReadControl.h"
 #include "step/internal/ReadLog.h"
 #include "step/internal/ReportCollector.h"
+#include "step/replay/internal/ReplayModel.h"
 
 #include <Interface_Static.hxx>
 #include <STEPCAFControl_Controller.hxx>
