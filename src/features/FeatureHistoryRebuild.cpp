@@ -2,11 +2,11 @@
 #include "features/FeatureHistoryManager.h"
 
 #include "document/ShapeLabelMgr.h"
-#include "features/internal/BrepText.h"
 #include "features/internal/FeatureRelations.h"
 #include "features/internal/FeatureSnapshot.h"
 #include "features/internal/RebuildStack.h"
 #include "features/internal/SubShapeReferences.h"
+#include "kernel/internal/BrepText.h"
 
 namespace {
 

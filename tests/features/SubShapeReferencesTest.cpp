@@ -1,6 +1,6 @@
 #include "features/internal/SubShapeReferences.h"
 
-#include "features/internal/BrepText.h"
+#include "kernel/internal/BrepText.h"
 #include "support/CommaLocale.h"
 #include "support/TestDocument.h"
 

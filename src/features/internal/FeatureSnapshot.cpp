@@ -2,7 +2,7 @@
 
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
-#include "features/internal/BrepText.h"
+#include "kernel/internal/BrepText.h"
 
 namespace Orvex {
 

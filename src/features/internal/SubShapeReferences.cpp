@@ -1,7 +1,7 @@
 #include "features/internal/SubShapeReferences.h"
 
-#include "features/internal/BrepText.h"
 #include "features/internal/FeatureRelations.h"
+#include "kernel/internal/BrepText.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepAdaptor_Surface.hxx>

@@ -9,6 +9,7 @@
 #pragma once
 
 #include "foundation/Export.h"
+#include "step/replay/ReplayId.h"
 #include "step/replay/ReplayKinds.h"
 
 #include <cstdint>
@@ -17,8 +18,6 @@
 #include <vector>
 
 namespace Orvex {
-
-using ReplayId = std::uint64_t;
 
 struct ReplayVertexRecord
 {

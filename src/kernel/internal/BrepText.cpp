@@ -1,4 +1,4 @@
-#include "features/internal/BrepText.h"
+#include "kernel/internal/BrepText.h"
 
 #include <BRepTools.hxx>
 #include <BRep_Builder.hxx>
@@ -13,7 +13,7 @@ std::string BrepText(const TopoDS_Shape& shape)
   std::ostringstream out;
   out.imbue(std::locale::classic());
   BRepTools::Write(shape, out, true, false, TopTools_FormatVersion_VERSION_3);
-  return out.str();
+  return std::move(out).str();
 }
 
 TopoDS_Shape ShapeOfBrepText(const std::string& text)
