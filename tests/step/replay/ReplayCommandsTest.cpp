@@ -157,42 +157,51 @@ ReplayPlanStep FullStep()
   return step;
 }
 
-TEST(ReplayCommands, JsonOfAContract)
+// clang-format off
+TEST(ReplayCommands, JsonOfPlanAndContract)
 {
-  const std::string json = ToJson(BuildCommandContract(PlanOf(FullStep())));
-  EXPECT_EQ(json,
-            R"({"scope":"solid","entityId":3,"contractName":"ReplaySolidPlanV1",)"
-            R"("primaryStrategy":"sweep","semanticStrategy":"boolean","commands":[)"
-            R"({"stepId":7,"contractName":"contract","commandName":"command\n",)"
-            R"("targetKind":"target","resultKey":"result","dependsOn":[1,2],)"
+  ReplayPlan plan = PlanOf(FullStep());
+  plan.featureHints = {"hint"};
+  EXPECT_EQ(ToJson(plan),
+            R"({"scope":"solid","entityId":3,"primaryStrategy":"sweep","semanticStrategy":"boolean","contractName":"ReplaySolidPlanV1","featureHints":["hint"],"steps":[)"
+            R"({"id":7,"kind":"a\\kind","scope":"scope","entityId":8,"contractName":"contract","commandName":"command\n","targetKind":"target","resultKey":"result",)"
+            R"("dependsOn":[1,2],"faceIds":[12,11],"shellIds":[21],"solidIds":[31],"supportFaceIds":[41],"capFaceIds":[],"trimmedFaceIds":[51],)"
             R"("apiCandidates":["api"],"parameterKeys":["cuts"],"tags":["tag","\"tag\""]}]})");
-  EXPECT_TRUE(QJsonDocument::fromJson(QByteArray::fromStdString(json)).isObject());
+  EXPECT_EQ(ToJson(BuildCommandContract(plan)),
+            R"({"scope":"solid","entityId":3,"contractName":"ReplaySolidPlanV1","primaryStrategy":"sweep","semanticStrategy":"boolean","commands":[)"
+            R"({"stepId":7,"contractName":"contract","commandName":"command\n","targetKind":"target","resultKey":"result","dependsOn":[1,2],)"
+            R"("apiCandidates":["api"],"parameterKeys":["cuts"],"tags":["tag","\"tag\""]}]})");
   EXPECT_EQ(ToJson(BuildCommandContract({})),
-            R"({"scope":"","entityId":0,"contractName":"ReplayCommandContractV1",)"
-            R"("primaryStrategy":"","semanticStrategy":"","commands":[]})");
+            R"({"scope":"","entityId":0,"contractName":"ReplayCommandContractV1","primaryStrategy":"","semanticStrategy":"","commands":[]})");
 }
 
 TEST(ReplayCommands, JsonOfRequests)
 {
-  const std::string json = ToJson(BuildCommandRequests(PlanOf(FullStep())));
-  EXPECT_EQ(
-    json,
-    R"({"scope":"solid","entityId":3,"contractName":"ReplaySolidPlanV1",)"
-    R"("primaryStrategy":"sweep","semanticStrategy":"boolean","requests":[)"
-    R"({"stepId":7,"kind":"a\\kind","scope":"scope","entityId":8,"contractName":"contract",)"
-    R"("commandName":"command\n","targetKind":"target","resultKey":"result","dependsOn":[1,2],)"
-    R"("faceIds":[12,11],"shellIds":[21],"solidIds":[31],"supportFaceIds":[41],"capFaceIds":[],)"
-    R"("trimmedFaceIds":[51],"apiCandidates":["api"],)"
-    R"("bindings":[{"parameterName":"cuts","sourceKey":"trimmedFaces",)"
-    R"("fallbackSourceKeys":["faces"]}],)"
-    R"("inputGroups":[{"name":"cuts","ids":[51]},{"name":"faces","ids":[11,12]},)"
-    R"({"name":"supportFaces","ids":[41]},{"name":"trimmedFaces","ids":[51]}],)"
-    R"("tags":["tag","\"tag\""]}]})");
-  const QJsonObject read = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
-  EXPECT_EQ(read["requests"].toArray()[0].toObject()["kind"].toString(), "a\\kind");
+  EXPECT_EQ(ToJson(BuildCommandRequests(PlanOf(FullStep()))),
+            R"({"scope":"solid","entityId":3,"contractName":"ReplaySolidPlanV1","primaryStrategy":"sweep","semanticStrategy":"boolean","requests":[)"
+            R"({"stepId":7,"kind":"a\\kind","scope":"scope","entityId":8,"contractName":"contract","commandName":"command\n","targetKind":"target","resultKey":"result",)"
+            R"("dependsOn":[1,2],"faceIds":[12,11],"shellIds":[21],"solidIds":[31],"supportFaceIds":[41],"capFaceIds":[],"trimmedFaceIds":[51],"apiCandidates":["api"],)"
+            R"("bindings":[{"parameterName":"cuts","sourceKey":"trimmedFaces","fallbackSourceKeys":["faces"]}],)"
+            R"("inputGroups":[{"name":"cuts","ids":[51]},{"name":"faces","ids":[11,12]},{"name":"supportFaces","ids":[41]},{"name":"trimmedFaces","ids":[51]}],)"
+            R"("tags":["tag","\"tag\""]}]})");
   EXPECT_EQ(ToJson(BuildCommandRequests({})),
-            R"({"scope":"","entityId":0,"contractName":"ReplayCommandRequestV1",)"
-            R"("primaryStrategy":"","semanticStrategy":"","requests":[]})");
+            R"({"scope":"","entityId":0,"contractName":"ReplayCommandRequestV1","primaryStrategy":"","semanticStrategy":"","requests":[]})");
+}
+// clang-format on
+
+TEST(ReplayCommands, JsonIsReadByOthers)
+{
+  const ReplayPlan plan = PlanOf(FullStep());
+  const std::pair<std::string, QString> documents[] = {
+    {ToJson(plan), "steps"},
+    {ToJson(BuildCommandContract(plan)), "commands"},
+    {ToJson(BuildCommandRequests(plan)), "requests"}};
+  for (const auto& [json, key] : documents) {
+    const QJsonObject read = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
+    const QJsonObject step = read[key].toArray()[0].toObject();
+    EXPECT_EQ(step["commandName"].toString(), "command\n");
+    EXPECT_EQ(step["tags"].toArray()[1].toString(), "\"tag\"");
+  }
 }
 
 } // namespace

@@ -4,10 +4,6 @@
 
 #include "support/SummaryModel.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -318,6 +314,23 @@ TEST(StepReplayPlanBuilder, WordsOfEachKindOfStep)
   EXPECT_EQ(found, expected);
 }
 
+// Each takes precedence over those below it.
+// clang-format off
+const std::vector<std::pair<std::string, Texts>> kStrategyRows = {
+  {"primitive_box", {"primitive_box_solid_candidate"}},
+  {"primitive_cylinder", {"primitive_cylinder_solid_candidate"}},
+  {"primitive_cone", {"primitive_cone_solid_candidate"}},
+  {"primitive_sphere", {"primitive_sphere_solid_candidate"}},
+  {"primitive_torus", {"primitive_torus_solid_candidate"}},
+  {"loft", {"multi_section_loft_solid_candidate", "trimmed_loft_solid_candidate", "loft_like_solid_candidate"}},
+  {"revolve", {"revolved_body_solid_candidate", "revolve_like_solid_candidate"}},
+  {"sweep", {"prismatic_sweep_solid_candidate", "cut_sweep_solid_candidate", "sweep_like_solid_candidate"}},
+  {"boolean", {"boolean_cut_solid_candidate", "boolean_like_solid_candidate"}},
+  {"trimmed_freeform", {"trimmed_freeform_solid_candidate", "trimmed_freeform_shell_candidate", "trimmed_freeform_region_candidate"}},
+  {"freeform", {"freeform_blend_solid_candidate", "freeform_shell_candidate", "freeform_region_candidate"}},
+};
+// clang-format on
+
 TEST(StepReplayPlanBuilder, StrategyIsTheFirstRowWithAHint)
 {
   const auto strategies = [](const Texts& kinds) {
@@ -326,29 +339,8 @@ TEST(StepReplayPlanBuilder, StrategyIsTheFirstRowWithAHint)
       candidates.push_back(OfSolid(kind));
     return Strategies(kBuilder.BuildSolidPlan(TwoShells(), candidates, 1));
   };
-  // Each row takes precedence over those below it.
-  const std::vector<std::pair<std::string, Texts>> rows = {
-    {"primitive_box", {"primitive_box_solid_candidate"}},
-    {"primitive_cylinder", {"primitive_cylinder_solid_candidate"}},
-    {"primitive_cone", {"primitive_cone_solid_candidate"}},
-    {"primitive_sphere", {"primitive_sphere_solid_candidate"}},
-    {"primitive_torus", {"primitive_torus_solid_candidate"}},
-    {"loft",
-     {"multi_section_loft_solid_candidate", "trimmed_loft_solid_candidate",
-      "loft_like_solid_candidate"}},
-    {"revolve", {"revolved_body_solid_candidate", "revolve_like_solid_candidate"}},
-    {"sweep",
-     {"prismatic_sweep_solid_candidate", "cut_sweep_solid_candidate",
-      "sweep_like_solid_candidate"}},
-    {"boolean", {"boolean_cut_solid_candidate", "boolean_like_solid_candidate"}},
-    {"trimmed_freeform",
-     {"trimmed_freeform_solid_candidate", "trimmed_freeform_shell_candidate",
-      "trimmed_freeform_region_candidate"}},
-    {"freeform",
-     {"freeform_blend_solid_candidate", "freeform_shell_candidate", "freeform_region_candidate"}},
-  };
   Texts below = {"analytic_shell_candidate"};
-  for (auto row = rows.rbegin(); row != rows.rend(); ++row) {
+  for (auto row = kStrategyRows.rbegin(); row != kStrategyRows.rend(); ++row) {
     for (const std::string& kind : row->second) {
       Texts hints = below;
       hints.push_back(kind);
@@ -415,34 +407,6 @@ TEST(StepReplayPlanBuilder, IdsThatNoRecordHas)
                           "2 build_solid solid 1 needs(1) solids(1)",
                           "3 validate_solid solid 1 needs(2) solids(1)"
                           " tags(geometry_equivalence_required)"));
-}
-
-TEST(StepReplayPlanBuilder, Json)
-{
-  SummaryModel model;
-  model.AddShell({}, true);
-  ReplayFeatureCandidate odd;
-  odd.kind = "\"odd\"\t";
-  odd.shellIds = {1};
-  const std::string json = ToJson(kBuilder.BuildShellPlan(model.summary, {odd}, 1));
-  EXPECT_EQ(
-    json,
-    R"({"scope":"shell","entityId":1,"primaryStrategy":"shell_sew","semanticStrategy":"shell_sew",)"
-    R"("contractName":"ReplayShellPlanV1","featureHints":["\"odd\"\t"],"steps":[)"
-    R"({"id":1,"kind":"sew_shell","scope":"shell","entityId":1,"contractName":"ReplayCommandV1",)"
-    R"("commandName":"Sew","targetKind":"shell","resultKey":"shellResult","dependsOn":[],)"
-    R"("faceIds":[],"shellIds":[1],"solidIds":[],"supportFaceIds":[],"capFaceIds":[],)"
-    R"("trimmedFaceIds":[],"apiCandidates":["sewFacesFromPayload","ReplaySewShell"],)"
-    R"("parameterKeys":["faces"],"tags":["\"odd\"\t","closed_shell"]},)"
-    R"({"id":2,"kind":"validate_shell","scope":"shell","entityId":1,)"
-    R"("contractName":"ReplayCommandV1","commandName":"ValidateShell","targetKind":"shell",)"
-    R"("resultKey":"validationResult","dependsOn":[1],"faceIds":[],"shellIds":[1],"solidIds":[],)"
-    R"("supportFaceIds":[],"capFaceIds":[],"trimmedFaceIds":[],)"
-    R"("apiCandidates":["validateShellReplay"],"parameterKeys":["faces"],)"
-    R"("tags":["expect_closed"]}]})");
-  const QJsonObject read = QJsonDocument::fromJson(QByteArray::fromStdString(json)).object();
-  EXPECT_EQ(read["featureHints"].toArray()[0].toString(), "\"odd\"\t");
-  EXPECT_EQ(read["steps"].toArray().size(), 2);
 }
 
 } // namespace
