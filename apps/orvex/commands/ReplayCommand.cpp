@@ -63,8 +63,7 @@ Failure Wrong(const QString& reason, const QString& advice = {})
 ReplayWish WishOf(const ReplayOptions& options)
 {
   const bool isModel = options.scope == ReplayScopeWord::Model;
-  ReplayWish wish{options.scope,
-                  std::max({options.face, options.shell, options.solid}),
+  ReplayWish wish{options.scope, std::max({options.face, options.shell, options.solid}),
                   isModel ? ReplayForm::Manifest : ReplayForm::Bundle};
   bool chosen = false;
   for (const FormRow& row : kForms) {
@@ -100,7 +99,9 @@ public:
   Scratch() : file(std::tmpfile())
   {
     if (file == nullptr)
-      throw Failure{ExitCode::Partial, {}, {},
+      throw Failure{ExitCode::Partial,
+                    {},
+                    {},
                     QStringLiteral("there can be no temporary file: %1").arg(std::strerror(errno)),
                     QStringLiteral("-o writes to a file of its own")};
   }
@@ -161,8 +162,11 @@ public:
     fs::create_directories(target, error);
     path = (fs::path(target) / ".replay.XXXXXX").string();
     if (error || ::mkdtemp(path.data()) == nullptr)
-      throw Failure{ExitCode::Partial, TextFromBytes(target), {},
-                    QStringLiteral("cannot be written: %1").arg(std::strerror(errno)), {}};
+      throw Failure{ExitCode::Partial,
+                    TextFromBytes(target),
+                    {},
+                    QStringLiteral("cannot be written: %1").arg(std::strerror(errno)),
+                    {}};
   }
   ~PendingFolder()
   {

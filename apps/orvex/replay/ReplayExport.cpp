@@ -81,11 +81,10 @@ void RequireEntity(const CStepFileReader& reader, const std::string& path, const
 {
   const auto [word, count] = CountedOf(reader, wish.scope);
   if (wish.id == 0 || wish.id > count)
-    throw Failure{ExitCode::Usage, TextFromBytes(path),
-                  QStringLiteral("%1 %2").arg(word).arg(wish.id),
-                  QStringLiteral("the model does not have it"),
-                  count == 0 ? QStringLiteral("it has none")
-                             : QStringLiteral("allowed: 1 to %1").arg(count)};
+    throw Failure{
+      ExitCode::Usage, TextFromBytes(path), QStringLiteral("%1 %2").arg(word).arg(wish.id),
+      QStringLiteral("the model does not have it"),
+      count == 0 ? QStringLiteral("it has none") : QStringLiteral("allowed: 1 to %1").arg(count)};
 }
 
 std::string TextOf(const CStepFileReader& reader, const ReplayWish& wish)
@@ -127,15 +126,14 @@ QJsonObject ExportScript(const CStepFileReader& reader, std::uint64_t id, const 
   const std::string name = std::string("solid_").append(std::to_string(id)).append(".py");
   const std::string script = reader.BuildReplaySolidPythonScript(id);
   WriteFile(std::string(folder).append("/").append(name), script, path);
-  const QJsonDocument plan = QJsonDocument::fromJson(
-    QByteArray::fromStdString(reader.BuildReplaySolidPlanJson(id)));
+  const QJsonDocument plan =
+    QJsonDocument::fromJson(QByteArray::fromStdString(reader.BuildReplaySolidPlanJson(id)));
   return {
     {"id", static_cast<qint64>(id)},
     {"strategy", plan["primaryStrategy"]},
     {"file", TextFromBytes(name)},
     {"bytes", static_cast<qint64>(script.size())},
-    {"seconds",
-     std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()}};
+    {"seconds", std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count()}};
 }
 
 } // namespace
@@ -163,8 +161,8 @@ QJsonObject ExportAllScripts(const std::string& path, const std::string& folder,
   const std::size_t solids = reader.BuildReplayIRSummary().solids.size();
   QJsonArray exported;
   for (std::uint64_t id = 1; id <= solids; ++id) {
-    progress({QStringLiteral("scripts"),
-              static_cast<double>(id - 1) / static_cast<double>(solids)});
+    progress(
+      {QStringLiteral("scripts"), static_cast<double>(id - 1) / static_cast<double>(solids)});
     exported.append(ExportScript(reader, id, folder, path));
   }
   return {{"solids", exported}};

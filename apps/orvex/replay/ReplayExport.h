@@ -13,7 +13,17 @@ namespace Orvex::Cli {
 
 enum class ReplayScopeWord { Model, Face, Shell, Solid };
 
-enum class ReplayForm { Manifest, Summary, Features, Bundle, Plan, Contract, Requests, Payload, Script };
+enum class ReplayForm {
+  Manifest,
+  Summary,
+  Features,
+  Bundle,
+  Plan,
+  Contract,
+  Requests,
+  Payload,
+  Script
+};
 
 // One document: of the whole model, or of one of its entities.
 struct ReplayWish
