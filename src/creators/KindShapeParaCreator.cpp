@@ -233,10 +233,6 @@ void KindShapeParaCreator::Register(const TDF_Label& label)
   VisitParameters(kind, label, [&](const TDF_Label& parameter, std::size_t index) {
     AddParameterKeys(info, parameter, kind.fields[index]);
   });
-  info.rebuild = [label, update = kind.update] {
-    TDF_Label target = label;
-    update(target);
-    return true;
-  };
+  info.rebuild = Orvex::RebuildOf(kind, label);
   manager.RegisterFeature(label, info);
 }

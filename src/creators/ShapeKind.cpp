@@ -16,8 +16,10 @@
 #include "creators/RevolveShapeParaCreator.h"
 #include "creators/SphereShapeParaCreator.h"
 #include "creators/TorousShapeParaCreator.h"
+#include "document/LabelScheme.h"
 
 #include <QByteArray>
+#include <XCAFDoc_ShapeTool.hxx>
 
 #include <array>
 #include <charconv>
@@ -74,6 +76,17 @@ const ShapeKind* KindOfCode(int typeCode)
     if (kind->typeCode == typeCode)
       return kind;
   return nullptr;
+}
+
+std::function<bool()> RebuildOf(const ShapeKind& kind, const TDF_Label& label)
+{
+  return [label, code = kind.typeCode, update = kind.update] {
+    if (ValidTypeOf(label) != code || XCAFDoc_ShapeTool::GetShape(label).IsNull())
+      return false;
+    TDF_Label target = label;
+    update(target);
+    return true;
+  };
 }
 
 const ShapeKind* KindOfWord(const std::string& word)

@@ -13,6 +13,7 @@
 #include <gp_Pnt.hxx>
 #include <gp_Vec.hxx>
 
+#include <functional>
 #include <limits>
 #include <optional>
 #include <span>
@@ -125,5 +126,10 @@ ORVEX_API std::span<const ShapeKind* const> ShapeKinds();
 // The kind with a type code, or with a word (ASCII letters in any case); null if there is none.
 ORVEX_API const ShapeKind* KindOfCode(int typeCode);
 ORVEX_API const ShapeKind* KindOfWord(const std::string& word);
+
+// Makes the shape on a label again from the parameters there. What is called answers false, and
+// changes nothing, when the label bears no shape of the kind any more; a failure of the kernel
+// passes.
+ORVEX_API std::function<bool()> RebuildOf(const ShapeKind& kind, const TDF_Label& label);
 
 } // namespace Orvex

@@ -268,6 +268,9 @@ TDF_Label ShapeLabelMgr::GetShapeLabel(const TopoDS_Shape* shape)
   if (shape == nullptr || shape->IsNull() || FetchShapeTool().IsNull())
     return {};
   TDF_Label label = myAssembly->FindShape(*shape, false);
+  // Spares a located shape the search, which walks through all sub-shapes of the document.
+  if (label.IsNull() && !shape->Location().IsIdentity())
+    myAssembly->FindShape(*shape, label, true);
   if (label.IsNull()) {
     RefreshSubShapeMaps(myAssembly);
     myAssembly->Search(*shape, label, true, true, true);

@@ -6,6 +6,7 @@
 #include "features/internal/FeatureMeta.h"
 #include "features/internal/FeatureRelations.h"
 #include "features/internal/FeatureSnapshot.h"
+#include "features/internal/SharedCallable.h"
 #include "features/internal/SubShapeReferences.h"
 
 #include <algorithm>
@@ -86,7 +87,7 @@ int FeatureHistoryManager::AddFeature(const std::string& type, const std::string
   wanted.label = label;
   wanted.inputs = inputs;
   wanted.parameters = parameters;
-  wanted.rebuildFunc = std::move(rebuildFunc);
+  wanted.rebuildFunc = Orvex::Shared(std::move(rebuildFunc));
   if (FeatureHistoryItem* same = FindSameFeature(wanted)) {
     same->suppressed = false;
     if (wanted.rebuildFunc)
@@ -227,6 +228,8 @@ void FeatureHistoryManager::ApplyVisibility(const std::vector<int>& indices)
   ShapeLabelMgr* registry = ShapeLabelMgr::GetInstance();
   for (const int index : indices) {
     const auto place = static_cast<std::size_t>(index);
+    if (place >= items.size())
+      continue;
     TopoDS_Shape shape = registry->GetShapeByLabel(items[place].label);
     registry->SetShapeVisibilty(shape, !suppressed[place]);
   }
@@ -346,7 +349,7 @@ bool FeatureHistoryManager::SetRebuildFuncOf(FeatureHistoryItem* item,
 {
   if (item == nullptr || !Orvex::InputsPrecedeFeature(items, IndexOf(*item), item->inputs))
     return false;
-  item->rebuildFunc = std::move(rebuildFunc);
+  item->rebuildFunc = Orvex::Shared(std::move(rebuildFunc));
   item->shapeType = DeriveShapeType(item->label);
   return true;
 }

@@ -176,6 +176,7 @@ private:
   bool RebuildWithOwnParameters(std::size_t index);
   bool ReplayFrom(int index);
   bool ReplayLater(int index, const std::vector<bool>& suppressed, Kinds shapeTypes);
+  void RollBack(const std::vector<Orvex::FeatureSnapshot>& snapshots);
   bool RebuildChain(int index, const FeatureParameters& parameters,
                     const std::vector<bool>& suppressed);
 

@@ -48,7 +48,7 @@ bool FeatureHistoryManager::UnsuppressFeature(int id)
   const std::vector<int> dependents = Orvex::DependentsFrom(items, index);
   const auto snapshot = Orvex::CaptureSnapshot(items, dependents);
   const auto goBack = [&] {
-    Orvex::RestoreSnapshot(items, snapshot);
+    RollBack(snapshot);
     ApplyVisibility(dependents);
   };
   item.suppressed = false;
@@ -138,8 +138,17 @@ bool FeatureHistoryManager::RebuildFeature(int id, const FeatureParameters& para
   const auto snapshot = Orvex::CaptureSnapshot(items, Orvex::DependentsFrom(items, index));
   if (RebuildChain(index, parameters, suppressed))
     return true;
-  Orvex::RestoreSnapshot(items, snapshot);
+  RollBack(snapshot);
   return false;
+}
+
+void FeatureHistoryManager::RollBack(const std::vector<Orvex::FeatureSnapshot>& snapshots)
+{
+  Orvex::RestoreSnapshot(items, snapshots);
+  for (const Orvex::FeatureSnapshot& snapshot : snapshots)
+    if (const auto place = static_cast<std::size_t>(snapshot.index);
+        !snapshot.hadShape && place < items.size())
+      items[place].shapeType = DeriveShapeType(items[place].label);
 }
 
 bool FeatureHistoryManager::RebuildChain(int index, const FeatureParameters& parameters,

@@ -77,8 +77,14 @@ void RestoreItem(const TDF_Label& label, const QJsonObject& record,
   FeatureHistoryManager& history = FeatureHistoryManager::GetInstance();
   const std::string type = record.value("type").toString().toStdString();
   const std::string name = record.value("name").toString().toStdString();
-  if (!history.UpsertFeature(type, name, label, InputsOf(record, document)))
-    history.UpsertFeature(type, name, label, {});
+  std::vector<TDF_Label> inputs = InputsOf(record, document);
+  if (!history.UpsertFeature(type, name, label, inputs)) {
+    const auto comesLater = [&](const TDF_Label& input) {
+      return !history.UpsertFeature(type, name, label, {input});
+    };
+    std::erase_if(inputs, comesLater);
+    history.UpsertFeature(type, name, label, inputs);
+  }
   history.GetFeatureByLabel(label)->suppressed = record.value("suppressed").toBool();
 }
 
@@ -146,7 +152,7 @@ void RestoreFeatureTree()
     labels.push_back(item.label);
   history.RebuildFromLabels(labels);
   for (const StoredItem& item : stored) {
-    if (item.record.contains("type"))
+    if (item.record.value("type").isString())
       RestoreItem(item.label, item.record, document);
     RestoreExpressions(item.label, item.record);
   }

@@ -1,6 +1,7 @@
 #include "features/ParametricFeatureManager.h"
 
 #include "document/LabelScheme.h"
+#include "features/internal/SharedCallable.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -81,7 +82,8 @@ void ParametricFeatureManager::RegisterFeature(const TDF_Label& label, const Fea
            isNew ? nullptr : &earlier->second.paramDependencies, key);
   AddEdges(featureDependents, info.featureDependencies,
            isNew ? nullptr : &earlier->second.featureDependencies, key);
-  features[key] = info;
+  FeatureInfo& registered = features[key] = info;
+  registered.rebuild = Orvex::Shared(std::move(registered.rebuild));
 }
 
 void ParametricFeatureManager::SetEnabled(bool on)

@@ -156,7 +156,10 @@ bool ExpressionEngine::TryCalculateExpress(const std::string& expression,
 {
   result = 0.0;
   try {
-    if (variables.empty() || expression.size() > kLongestExpression || IsTooDeep(expression))
+    // The parser stops at a NUL.
+    const bool isWhole = expression.find('\0') == std::string::npos;
+    if (variables.empty() || !isWhole || expression.size() > kLongestExpression ||
+        IsTooDeep(expression))
       return false;
     return Evaluate(expression, variables, result);
   } catch (...) {

@@ -124,6 +124,14 @@ class Rebuild(BracketCase):
                     self.assertIn(word, line)
                 self.assertEqual(self.content(), self.before)
 
+    def test_shapes_of_kinds_that_the_history_does_not_rebuild_follow_too(self):
+        made = orvex("new", "Line", "-p", "End Point=10,0,0", "-o", "line.xbf", cwd=self.folder)
+        self.assertEqual(made.code, 0, made.err)
+        answer = orvex("rebuild", "line.xbf", "--set", "Line0:End Point=0,30,0", "-o", "out.xbf", cwd=self.folder)
+        self.assertEqual(answer.code, 0, answer.err)
+        (file,) = orvex("info", "--json", "out.xbf", cwd=self.folder).json()["files"]
+        self.assertAlmostEqual(file["box"]["max"][1], 30, places=5)
+
     def test_broken_files_are_told(self):
         (self.folder / "bracket.params.json").write_text("{", encoding="utf-8")
         answer = self.rebuild()

@@ -8,7 +8,11 @@
 #include "support/Measures.h"
 #include "support/TestDocument.h"
 
+#include <BRepPrimAPI_MakeTorus.hxx>
+
 #include <gtest/gtest.h>
+
+#include <limits>
 
 using namespace OrvexTest;
 using testing::Test;
@@ -119,6 +123,32 @@ TEST_F(BooleanFeature, AFailedRebuildLeavesTheResultAsItWas)
   ShapeDocMgr::GetInstance()->SetDoc(nullptr);
   EXPECT_FALSE(Rebuild());
   EXPECT_TRUE(SameDump(DumpOf(result), before));
+}
+
+// A label that was removed, or given to another shape since.
+TEST_F(BooleanFeature, AResultThatIsGoneDoesNotComeBack)
+{
+  Orvex::RegisterBooleanFeature("Unite", result, {a, b});
+  ASSERT_TRUE(ShapeLabelMgr::GetInstance()->RemoveShapeByLabel(result));
+  EXPECT_FALSE(Rebuild());
+  EXPECT_TRUE(ShapeOn(result).IsNull());
+  TopoDS_Shape other = ShapeOn(c);
+  ShapeLabelMgr::GetInstance()->ConnectShapeAndLable(other, result);
+  EXPECT_FALSE(Rebuild());
+  EXPECT_TRUE(ShapeOn(result).IsSame(other));
+}
+
+// The kernel would not come back from such an operand.
+TEST_F(BooleanFeature, AnOperandWithoutEndFails)
+{
+  Orvex::RegisterBooleanFeature("Unite", result, {a, b});
+  const TopoDS_Shape before = ShapeOn(result);
+  for (const double radius : {std::numeric_limits<double>::infinity(), 1e300, 1e99}) {
+    TopoDS_Shape endless = BRepPrimAPI_MakeTorus(radius, 1).Shape();
+    ShapeLabelMgr::GetInstance()->ConnectShapeAndLable(endless, a);
+    EXPECT_FALSE(Rebuild()) << radius;
+    EXPECT_TRUE(ShapeOn(result).IsSame(before));
+  }
 }
 
 } // namespace

@@ -241,6 +241,32 @@ TEST_F(FeatureHistory, AFailureBringsEverythingBack)
   }
 }
 
+// The first shape of a feature whose dependent fails stays, and with it what the history says of
+// it.
+TEST_F(FeatureHistory, AfterAFailureTheHistoryKnowsTheShapesThatStayed)
+{
+  const TDF_Label bare = document.Doc()->Main().FindChild(70);
+  const int id = history.AddFeature("Cube", "bare", bare, {}, {{"size", 4}}, cubes.Rebuild());
+  cubes.faultyId = id;
+  cubes.fault = Fault::False;
+  EXPECT_FALSE(history.RebuildFeature(id, {{"size", 5}}));
+  EXPECT_EQ(history.GetFeature(id)->shapeType, "Solid");
+  EXPECT_EQ(history.GetFeature(id)->parameters.value("size"), 4);
+}
+
+TEST_F(FeatureHistory, ARebuildFunctionKeepsWhatItChangesInItself)
+{
+  std::vector<int> counts;
+  const auto count = [&counts, calls = 0](const TDF_Label&, const FeatureParameters&) mutable {
+    counts.push_back(++calls);
+    return true;
+  };
+  history.SetFeatureRebuildFunc(c, count);
+  EXPECT_TRUE(history.RebuildFeature(c, {}));
+  EXPECT_TRUE(history.RebuildFeature(c, {}));
+  EXPECT_EQ(counts, (std::vector{1, 2}));
+}
+
 // Against the rules, but no reason to fall over.
 TEST_F(FeatureHistory, AFunctionThatRemovesFeaturesFails)
 {

@@ -96,7 +96,8 @@ TEST(SubShapeReferences, OtherFeaturesAndFeaturesWithoutASourceStayAsTheyAre)
 TEST(SubShapeReferences, AnIndexListCountsAndIsTidied)
 {
   const FeatureParameters refreshed = Orvex::RefreshReferences(
-    "Chamfer", On(Box(), {{"edgeIndices", QVariantList{7, 3.0, 3, -1, 12, "x", QVariant()}},
+    "Chamfer", On(Box(), {{"edgeIndices", QVariantList{7, 3.0, 3, -1, 12, "x", QVariant(), 2.5,
+                                                       1e300, std::nan(""), 4294967297LL}},
                           {"edgeRefs", QVariantList{EdgeReference(Box(), 5)}}}));
   EXPECT_THAT(Integers(refreshed["edgeIndices"]), ElementsAre(3, 7));
   const QVariantList references = refreshed["edgeRefs"].toList();

@@ -106,6 +106,14 @@ TEST(ExpressionEngine, FailsOrderly)
   EXPECT_TRUE(std::isinf(result));
 }
 
+TEST(ExpressionEngine, ATextIsReadToItsEnd)
+{
+  std::map<std::string, double> variables{{"x", 2}};
+  double result = 1;
+  EXPECT_FALSE(
+    ExpressionEngine::TryCalculateExpress(std::string("x\0+nonsense", 11), variables, result));
+}
+
 TEST(ExpressionEngine, NamesThatTheParserDoesNotTakeGoByAnother)
 {
   const Variables odd{

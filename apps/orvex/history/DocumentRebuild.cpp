@@ -76,10 +76,26 @@ public:
     // The graph is filled when it is switched on.
     graph.SetEnabled(false);
     graph.SetEnabled(true);
-    for (const std::string& key : graph.RegisteredFeatureKeys()) {
-      shapesBefore[key] = ShapeOn(LabelOf(key));
-      Watch(key);
-    }
+    for (const std::string& key : graph.RegisteredFeatureKeys())
+      Watch(key, *graph.FindFeature(key));
+  }
+
+  // The notes end with this object.
+  ~WatchedGraph()
+  {
+    graph.ClearRegisteredState();
+  }
+  WatchedGraph(const WatchedGraph&) = delete;
+  WatchedGraph& operator=(const WatchedGraph&) = delete;
+
+  // A changed shape is rebuilt, also one of a kind that the history does not enter in the graph.
+  void MarkDirty(const TDF_Label& shape)
+  {
+    const std::string key = EntryOf(shape);
+    const ShapeKind* kind = KindOn(shape);
+    if (graph.FindFeature(key) == nullptr && kind != nullptr)
+      Watch(key, RecordOf(shape, *kind));
+    graph.MarkDirty(key);
   }
 
   // What RecomputeAllDirty rebuilt and, first of all, what it could not.
@@ -104,11 +120,24 @@ public:
   }
 
 private:
-  void Watch(const std::string& key)
+  void Watch(const std::string& key, ParametricFeatureManager::FeatureInfo info)
   {
-    ParametricFeatureManager::FeatureInfo info = *graph.FindFeature(key);
+    shapesBefore[key] = ShapeOn(LabelOf(key));
     info.rebuild = [this, key, rebuild = info.rebuild] { return RunWatched(key, rebuild); };
     graph.RegisterFeature(LabelOf(key), info);
+  }
+
+  static ParametricFeatureManager::FeatureInfo RecordOf(const TDF_Label& shape,
+                                                        const ShapeKind& kind)
+  {
+    ParametricFeatureManager::FeatureInfo info;
+    info.key = EntryOf(shape);
+    info.type = kind.word;
+    info.rebuild = RebuildOf(kind, shape);
+    for (const ParameterField& field : kind.fields)
+      if (const TDF_Label parameter = ChildByName(shape, field.name); !parameter.IsNull())
+        info.paramLabels[field.name] = EntryOf(parameter);
+    return info;
   }
 
   bool RunWatched(const std::string& key, const std::function<bool()>& rebuild)
@@ -192,9 +221,8 @@ private:
   std::map<std::string, Run> runs;
 };
 
-void ApplyChanges(const RebuildRequest& request)
+void ApplyChanges(const RebuildRequest& request, WatchedGraph& graph)
 {
-  auto& graph = ParametricFeatureManager::GetInstance();
   const GlobalParameterChange globals;
   for (const std::string& input : request.globals)
     SetGlobalParameter(input);
@@ -202,13 +230,13 @@ void ApplyChanges(const RebuildRequest& request)
   for (const std::string& input : request.values) {
     const ParameterTarget target = TargetOf(input);
     SetValue(target);
-    graph.MarkDirtyFromParam(target.parameter);
-    graph.MarkDirty(EntryOf(target.shape));
+    ParametricFeatureManager::GetInstance().MarkDirtyFromParam(target.parameter);
+    graph.MarkDirty(target.shape);
   }
   for (const std::string& input : request.expressions) {
     const ParameterTarget target = TargetOf(input);
     SetExpression(target);
-    graph.MarkDirty(EntryOf(target.shape));
+    graph.MarkDirty(target.shape);
   }
 }
 
@@ -242,7 +270,7 @@ QJsonObject RebuildDocument(const RebuildRequest& request, const RebuildTargets&
   const OpenModel model(request.path);
   WatchedGraph graph;
   DocumentCommand command(ShapeDocMgr::GetInstance()->GetDoc());
-  ApplyChanges(request);
+  ApplyChanges(request, graph);
   Recompute(request);
   graph.RequireSound();
   command.Commit();

@@ -84,8 +84,9 @@ void RegisterBooleanFeature(const std::string& type, const TDF_Label& result,
   info.key = ParametricFeatureManager::MakeLabelKey(result);
   std::transform(inputs.begin(), inputs.end(), std::back_inserter(info.featureDependencies),
                  &ParametricFeatureManager::MakeLabelKey);
-  info.rebuild = [type, inputKeys = info.featureDependencies, resultKey = info.key] {
-    return RebuildBoolean(type, inputKeys, resultKey);
+  info.rebuild = [type, result, inputKeys = info.featureDependencies, resultKey = info.key,
+                  resultType = ValidTypeOf(result)] {
+    return ValidTypeOf(result) == resultType && RebuildBoolean(type, inputKeys, resultKey);
   };
   ParametricFeatureManager::GetInstance().RegisterFeature(result, info);
 }
@@ -99,7 +100,7 @@ bool RebuildBoolean(const std::string& type, const std::vector<std::string>& inp
     return false;
   const std::vector<TopoDS_Shape> shapes = ShapesOf(doc, inputKeys);
   const TDF_Label result = LabelOfEntry(doc, resultKey);
-  if (shapes.empty() || result.IsNull())
+  if (shapes.empty() || result.IsNull() || XCAFDoc_ShapeTool::GetShape(result).IsNull())
     return false;
   const TopoDS_Shape rebuilt = Accumulated(*operation, shapes);
   if (rebuilt.IsNull())

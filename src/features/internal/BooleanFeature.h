@@ -2,7 +2,9 @@
 //
 // The record holds the label keys of the operands and of the result, no shapes: a rebuild takes
 // what stands on the operand labels at that time, computes with the kernel's default tolerance, and
-// puts the outcome on the result label. The operands stay bit for bit as they are.
+// puts the outcome on the result label. The operands stay bit for bit as they are. A result that
+// was removed does not come back, nor does it replace a shape of another type that has been given
+// its label since.
 #pragma once
 
 #include "features/FeatureHistoryItem.h"
@@ -29,8 +31,8 @@ bool RegisterBooleanFeatureFromHistory(const FeatureHistoryItem& item);
 
 // The boolean of the first operand with the second, of the outcome with the third, and so on.
 // Returns: false if there is no document, the kind is unknown, there are fewer than two operands, a
-// label or the shape of an operand is missing, or the kernel cannot do it. The result label is as
-// it was then, and so it is when the kernel throws.
+// label or the shape on one is missing, or the kernel cannot do it. The result label is as it was
+// then, and so it is when the kernel throws.
 bool RebuildBoolean(const std::string& type, const std::vector<std::string>& inputKeys,
                     const std::string& resultKey);
 

@@ -13,17 +13,15 @@ bool HasDocument()
   return !ShapeDocMgr::GetInstance()->GetDoc().IsNull();
 }
 
-std::string ShapeTextOn(const TDF_Label& label)
+TopoDS_Shape ShapeOn(const TDF_Label& label)
 {
-  if (label.IsNull() || !HasDocument())
-    return {};
-  const TopoDS_Shape shape = ShapeLabelMgr::GetInstance()->GetShapeByLabel(label);
-  return shape.IsNull() ? std::string() : BrepText(shape);
+  return label.IsNull() || !HasDocument() ? TopoDS_Shape()
+                                          : ShapeLabelMgr::GetInstance()->GetShapeByLabel(label);
 }
 
 void RestoreShape(const TDF_Label& label, const FeatureSnapshot& snapshot)
 {
-  if (!snapshot.hadShape || label.IsNull() || !HasDocument())
+  if (snapshot.brep.empty() || label.IsNull() || !HasDocument())
     return;
   TopoDS_Shape shape = ShapeOfBrepText(snapshot.brep);
   if (!shape.IsNull())
@@ -41,10 +39,10 @@ std::vector<FeatureSnapshot> CaptureSnapshot(const FeatureItems& items,
     if (index < 0 || static_cast<std::size_t>(index) >= items.size())
       continue;
     const FeatureHistoryItem& item = items[static_cast<std::size_t>(index)];
-    FeatureSnapshot snapshot{index, item.suppressed, item.parameters, {}, false};
-    if (captured.insert(item.label).second)
-      snapshot.brep = ShapeTextOn(item.label);
-    snapshot.hadShape = !snapshot.brep.empty();
+    FeatureSnapshot snapshot{index, item.suppressed, item.parameters, item.shapeType, false, {}};
+    snapshot.hadShape = !ShapeOn(item.label).IsNull();
+    if (snapshot.hadShape && captured.insert(item.label).second)
+      snapshot.brep = BrepText(ShapeOn(item.label));
     snapshots.push_back(std::move(snapshot));
   }
   return snapshots;
@@ -58,6 +56,8 @@ void RestoreSnapshot(FeatureItems& items, const std::vector<FeatureSnapshot>& sn
     FeatureHistoryItem& item = items[static_cast<std::size_t>(snapshot.index)];
     item.suppressed = snapshot.suppressed;
     item.parameters = snapshot.parameters;
+    if (snapshot.hadShape)
+      item.shapeType = snapshot.shapeType;
     RestoreShape(item.label, snapshot);
   }
 }

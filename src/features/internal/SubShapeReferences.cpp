@@ -219,11 +219,19 @@ QVariantList ListIn(const FeatureParameters& parameters, const QString& key)
   return !isText && value.canConvert<QVariantList>() ? value.toList() : QVariantList();
 }
 
-int IndexIn(const QVariantMap& reference, const ReferenceKind& kind)
+// A whole number that an int holds, in whatever type; -1 for anything else.
+int IndexOf(const QVariant& value)
 {
   bool isNumber = false;
-  const int index = reference.value(kind.indexKey).toInt(&isNumber);
-  return isNumber ? index : -1;
+  const double number = value.toDouble(&isNumber);
+  const bool isIndex = isNumber && number >= 0 && number <= std::numeric_limits<int>::max() &&
+                       number == std::floor(number);
+  return isIndex ? static_cast<int>(number) : -1;
+}
+
+int IndexIn(const QVariantMap& reference, const ReferenceKind& kind)
+{
+  return IndexOf(reference.value(kind.indexKey));
 }
 
 TopTools_IndexedMapOfShape SubShapesOf(const TopoDS_Shape& shape, const ReferenceKind& kind)
@@ -269,11 +277,9 @@ std::set<int> SelectedIndices(const FeatureParameters& parameters,
 {
   std::set<int> selected;
   const QVariantList indices = ListIn(parameters, kind.indicesKey);
-  for (const QVariant& value : indices) {
-    bool isNumber = false;
-    if (const int index = value.toInt(&isNumber); isNumber && index >= 0)
+  for (const QVariant& value : indices)
+    if (const int index = IndexOf(value); index >= 0)
       selected.insert(index);
-  }
   if (!indices.isEmpty())
     return selected;
   for (const QVariant& reference : ListIn(parameters, kind.referencesKey))

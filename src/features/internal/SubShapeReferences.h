@@ -34,6 +34,8 @@ namespace Orvex {
 FeatureParameters RefreshReferences(const std::string& type, const FeatureParameters& parameters);
 
 // Null for what is no text, is empty or cannot be read.
+// Caveat: the kernel checks little of what it reads; a text that was changed by hand can end the
+// process.
 TopoDS_Shape ParseSourceBrep(const QVariant& source);
 
 // Write all keys but the index into the reference.

@@ -23,7 +23,7 @@ namespace Orvex {
 using BooleanSetup = std::function<void(BRepAlgoAPI_BooleanOperation&)>;
 
 // The boolean of two shapes, with the kernel's default options unless `setup` sets others.
-// Returns: null if the kernel cannot do it.
+// Returns: null if the kernel cannot do it, or an operand has a vertex beyond 1e50.
 // Errors: Standard_Failure passes.
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup = {});

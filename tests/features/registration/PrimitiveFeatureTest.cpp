@@ -126,6 +126,17 @@ TEST_F(PrimitiveFeature, WhatHasNoKindIsNotEntered)
   }
 }
 
+TEST_F(PrimitiveFeature, APrimitiveThatIsGoneDoesNotComeBack)
+{
+  TDF_Label label = BoxShapeParaCreator().CreateBox(gp_Pnt(), gp_Dir(), 1, 1, 1);
+  ASSERT_TRUE(Register(label));
+  Orvex::SetType(label, Orvex::kTypeSphere);
+  EXPECT_FALSE(FeatureOn(label)->rebuild()) << "now another kind";
+  ASSERT_TRUE(ShapeLabelMgr::GetInstance()->RemoveShapeByLabel(label));
+  EXPECT_FALSE(FeatureOn(label)->rebuild());
+  EXPECT_TRUE(XCAFDoc_ShapeTool::GetShape(label).IsNull());
+}
+
 TEST_F(PrimitiveFeature, ARebuildThrowsWhatItsCreatorThrows)
 {
   const TDF_Label label = BoxShapeParaCreator().CreateBox(gp_Pnt(), gp_Dir(), 1, 1, 1);

@@ -61,11 +61,7 @@ bool RegisterPrimitiveFeatureFromHistory(const FeatureHistoryItem& item)
   ParametricFeatureManager::FeatureInfo info;
   info.type = kind->type;
   info.key = ParametricFeatureManager::MakeLabelKey(label);
-  info.rebuild = [label, update = KindOfCode(kind->code)->update] {
-    TDF_Label target = label;
-    update(target);
-    return true;
-  };
+  info.rebuild = RebuildOf(*KindOfCode(kind->code), label);
   CollectParamLabels(label, kind->parameters, info);
   ParametricFeatureManager::GetInstance().RegisterFeature(label, info);
   return true;

@@ -13,8 +13,8 @@
 namespace Orvex {
 
 // Enters the primitive on the item's label in the dependency graph. It depends on its parameters
-// only: the profile of a sweep does not enter the graph by this way. Its rebuild never answers
-// false; what fails in it is thrown.
+// only: the profile of a sweep does not enter the graph by this way. Its rebuild answers false only
+// when the primitive is gone from its label; what fails in it is thrown.
 // Returns: false, and nothing is entered, for a null label, one without a shape, and a shape that
 // is no primitive with a rebuild (lines, arcs, polygons, splines and compounds among them).
 bool RegisterPrimitiveFeatureFromHistory(const FeatureHistoryItem& item);
