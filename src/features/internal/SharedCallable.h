@@ -17,9 +17,8 @@ std::function<Result(Arguments...)> Shared(std::function<Result(Arguments...)> f
   if (!function)
     return function;
   auto shared = std::make_shared<std::function<Result(Arguments...)>>(std::move(function));
-  return [shared](Arguments... arguments) {
-    return (*shared)(std::forward<Arguments>(arguments)...);
-  };
+  return
+    [shared](Arguments... arguments) { return (*shared)(std::forward<Arguments>(arguments)...); };
 }
 
 } // namespace Orvex

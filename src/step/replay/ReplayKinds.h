@@ -5,7 +5,7 @@
 
 namespace Orvex {
 
-enum ReplayCurveKind {
+enum ReplayCurveKind : int {
   kUnknownCurve = 0,
   kLineCurve = 1,
   kCircleCurve = 2,
@@ -18,7 +18,7 @@ enum ReplayCurveKind {
   kOtherCurve = 9
 };
 
-enum ReplaySurfaceKind {
+enum ReplaySurfaceKind : int {
   kUnknownSurface = 0,
   kPlaneSurface = 1,
   kCylinderSurface = 2,

@@ -2,6 +2,7 @@
 
 #include "kernel/internal/BrepText.h"
 #include "step/replay/internal/CurveReading.h"
+#include "step/replay/internal/FaceBounds.h"
 #include "step/replay/internal/KernelGuard.h"
 #include "step/replay/internal/PayloadJson.h"
 #include "step/replay/internal/ReplayIdIndex.h"
@@ -25,30 +26,75 @@ const TopoDS_Shape* ShapeIn(const std::shared_ptr<const ReplayIdIndex>& index,
   return index == nullptr ? nullptr : ReplayIdIndex::ShapeIn((*index).*map, id);
 }
 
-// The record of an id in the cache.
-// Returns: one that was there, one that describe(shape, record) filled, or null.
-template <typename Cache, typename Describe>
-const typename Cache::mapped_type* Find(Cache& cache, const TopoDS_Shape* shape, ReplayId id,
-                                        Describe&& describe)
-{
-  if (const auto found = cache.find(id); found != cache.end())
-    return &found->second;
-  if (shape == nullptr)
-    return nullptr;
-  typename Cache::mapped_type record;
-  const bool described = SucceedsInKernel([&] {
-    describe(*shape, record);
-    return true;
-  });
-  return described ? &cache.emplace(id, std::move(record)).first->second : nullptr;
-}
-
-// The bounds of a face, from another record of it if there is one.
 template <typename Cache>
-FaceBounds KnownBoundsOf(const Cache& cache, const TopoDS_Face& face, ReplayId id)
+const typename Cache::mapped_type* Cached(const Cache& cache, ReplayId id)
 {
   const auto found = cache.find(id);
-  return found == cache.end() ? BoundsOf(face) : BoundsIn(found->second);
+  return found == cache.end() ? nullptr : &found->second;
+}
+
+// The record of an id in the cache.
+// Returns: one that was there, one that describe(record) filled, or null.
+template <typename Cache, typename Describe>
+const typename Cache::mapped_type* Find(Cache& cache, ReplayId id, Describe&& describe)
+{
+  if (const auto* cached = Cached(cache, id))
+    return cached;
+  typename Cache::mapped_type record;
+  return describe(record) ? &cache.emplace(id, std::move(record)).first->second : nullptr;
+}
+
+// Fills the record of a shape by describe(shape).
+// Returns: false for no shape, and where the kernel throws.
+template <typename Describe>
+bool DescribeIn(const TopoDS_Shape* shape, Describe&& describe)
+{
+  return shape != nullptr && SucceedsInKernel([&] {
+           describe(*shape);
+           return true;
+         });
+}
+
+bool Describe(const TopoDS_Shape* shape, ReplayId id, ReplayCurvePayload& curve)
+{
+  return DescribeIn(shape, [&](const TopoDS_Shape& edge) {
+    curve.id = id;
+    ReadCurve(TopoDS::Edge(edge), curve);
+  });
+}
+
+// The trim of the same face, if there is one, knows the bounds.
+bool Describe(const TopoDS_Shape* shape, ReplayId id, const ReplayFaceTrimPayload* trim,
+              ReplaySurfacePayload& surface)
+{
+  return DescribeIn(shape, [&](const TopoDS_Shape& found) {
+    const TopoDS_Face& face = TopoDS::Face(found);
+    surface.id = id;
+    SetBounds(surface, trim == nullptr ? BoundsOf(face) : BoundsIn(*trim));
+    ReadSurface(face, surface);
+  });
+}
+
+bool Describe(const TopoDS_Shape* shape, ReplayId id, const ReplaySurfacePayload* surface,
+              const ReplayIdIndex& index, ReplayFaceTrimPayload& trim)
+{
+  return DescribeIn(shape, [&](const TopoDS_Shape& found) {
+    const TopoDS_Face& face = TopoDS::Face(found);
+    trim.faceId = id;
+    trim.surfaceId = id;
+    SetBounds(trim, surface == nullptr ? BoundsOf(face) : BoundsIn(*surface));
+    ReadTrim(face, index, trim);
+  });
+}
+
+// In the order of the kernel's explorer.
+std::vector<ReplayId> IdsIn(const TopoDS_Shape& shape, TopAbs_ShapeEnum type,
+                            const TopTools_IndexedMapOfShape& map)
+{
+  std::vector<ReplayId> ids;
+  for (TopExp_Explorer parts(shape, type); parts.More(); parts.Next())
+    ids.push_back(ReplayIdIndex::IdIn(map, parts.Current()));
+  return ids;
 }
 
 template <typename Record, typename Payload>
@@ -97,36 +143,30 @@ void StepGeometryPayloadStore::BuildIndex(const TopoDS_Shape& shape)
   BuildIndex(RootsOf(shape));
 }
 
+const TopoDS_Shape* StepGeometryPayloadStore::FaceShape(ReplayId id) const
+{
+  return ShapeIn(index, &ReplayIdIndex::faces, id);
+}
+
 const ReplayCurvePayload* StepGeometryPayloadStore::CurveOf(ReplayId id) const
 {
-  const auto describe = [&](const TopoDS_Shape& edge, ReplayCurvePayload& curve) {
-    curve.id = id;
-    ReadCurve(TopoDS::Edge(edge), curve);
-  };
-  return Find(curveCache, ShapeIn(index, &ReplayIdIndex::edges, id), id, describe);
+  return Find(curveCache, id, [&](ReplayCurvePayload& curve) {
+    return Describe(ShapeIn(index, &ReplayIdIndex::edges, id), id, curve);
+  });
 }
 
 const ReplaySurfacePayload* StepGeometryPayloadStore::SurfaceOf(ReplayId id) const
 {
-  const auto describe = [&](const TopoDS_Shape& shape, ReplaySurfacePayload& surface) {
-    const TopoDS_Face& face = TopoDS::Face(shape);
-    surface.id = id;
-    SetBounds(surface, KnownBoundsOf(trimCache, face, id));
-    ReadSurface(face, surface);
-  };
-  return Find(surfaceCache, ShapeIn(index, &ReplayIdIndex::faces, id), id, describe);
+  return Find(surfaceCache, id, [&](ReplaySurfacePayload& surface) {
+    return Describe(FaceShape(id), id, Cached(trimCache, id), surface);
+  });
 }
 
 const ReplayFaceTrimPayload* StepGeometryPayloadStore::TrimOf(ReplayId id) const
 {
-  const auto describe = [&](const TopoDS_Shape& shape, ReplayFaceTrimPayload& trim) {
-    const TopoDS_Face& face = TopoDS::Face(shape);
-    trim.faceId = id;
-    trim.surfaceId = id;
-    SetBounds(trim, KnownBoundsOf(surfaceCache, face, id));
-    ReadTrim(face, *index, trim);
-  };
-  return Find(trimCache, ShapeIn(index, &ReplayIdIndex::faces, id), id, describe);
+  return Find(trimCache, id, [&](ReplayFaceTrimPayload& trim) {
+    return Describe(FaceShape(id), id, Cached(surfaceCache, id), *index, trim);
+  });
 }
 
 // Both, or a face without surface.
@@ -139,26 +179,25 @@ StepGeometryPayloadStore::Face StepGeometryPayloadStore::FaceOf(ReplayId id) con
 
 const StepGeometryPayloadStore::Shell* StepGeometryPayloadStore::ShellOf(ReplayId id) const
 {
-  const auto describe = [&](const TopoDS_Shape& shape, Shell& shell) {
-    shell.isClosed = shape.Closed();
-    for (TopExp_Explorer faces(shape, TopAbs_FACE); faces.More(); faces.Next())
-      if (const ReplayId face = ReplayIdIndex::IdIn(index->faces, faces.Current());
-          FaceOf(face).surface != nullptr)
-        shell.faceIds.push_back(face);
-  };
-  return Find(shellCache, ShapeIn(index, &ReplayIdIndex::shells, id), id, describe);
+  return Find(shellCache, id, [&](Shell& shell) {
+    return DescribeIn(ShapeIn(index, &ReplayIdIndex::shells, id), [&](const TopoDS_Shape& shape) {
+      shell.isClosed = shape.Closed();
+      shell.faceIds = IdsIn(shape, TopAbs_FACE, index->faces);
+    });
+  });
+}
+
+bool StepGeometryPayloadStore::DescribeSolid(ReplayId id, Solid& solid) const
+{
+  return DescribeIn(ShapeIn(index, &ReplayIdIndex::solids, id), [&](const TopoDS_Shape& shape) {
+    solid.exactBrep = BrepText(shape);
+    solid.shellIds = IdsIn(shape, TopAbs_SHELL, index->shells);
+  });
 }
 
 const StepGeometryPayloadStore::Solid* StepGeometryPayloadStore::SolidOf(ReplayId id) const
 {
-  const auto describe = [&](const TopoDS_Shape& shape, Solid& solid) {
-    solid.exactBrep = BrepText(shape);
-    for (TopExp_Explorer shells(shape, TopAbs_SHELL); shells.More(); shells.Next())
-      if (const ReplayId shell = ReplayIdIndex::IdIn(index->shells, shells.Current());
-          ShellOf(shell) != nullptr)
-        solid.shellIds.push_back(shell);
-  };
-  return Find(solidCache, ShapeIn(index, &ReplayIdIndex::solids, id), id, describe);
+  return Find(solidCache, id, [&](Solid& solid) { return DescribeSolid(id, solid); });
 }
 
 bool StepGeometryPayloadStore::ExpandCurvePayload(ReplayId id, ReplayCurvePayload& payload) const
@@ -198,9 +237,10 @@ bool StepGeometryPayloadStore::ExpandShellPayload(ReplayId id, ReplayShellPayloa
   if (shell == nullptr)
     return false;
   payload.isClosed = shell->isClosed;
-  payload.faces.resize(shell->faceIds.size());
-  for (std::size_t i = 0; i < payload.faces.size(); ++i)
-    ExpandFacePayload(shell->faceIds[i], payload.faces[i]);
+  payload.faces.reserve(shell->faceIds.size());
+  for (const ReplayId face : shell->faceIds)
+    if (!ExpandFacePayload(face, payload.faces.emplace_back()))
+      payload.faces.pop_back();
   return true;
 }
 
@@ -212,21 +252,38 @@ bool StepGeometryPayloadStore::ExpandSolidPayload(ReplayId id, ReplaySolidPayloa
   if (solid == nullptr)
     return false;
   payload.exactBrep = solid->exactBrep;
-  payload.shells.resize(solid->shellIds.size());
-  for (std::size_t i = 0; i < payload.shells.size(); ++i)
-    ExpandShellPayload(solid->shellIds[i], payload.shells[i]);
+  payload.shells.reserve(solid->shellIds.size());
+  for (const ReplayId shell : solid->shellIds)
+    if (!ExpandShellPayload(shell, payload.shells.emplace_back()))
+      payload.shells.pop_back();
   return true;
 }
 
-void StepGeometryPayloadStore::WriteShell(JsonWriter& json, ReplayId id, const Shell& shell) const
+// What the caches do not have is described for this text and forgotten.
+void StepGeometryPayloadStore::WriteFace(JsonWriter& json, ReplayId id) const
 {
+  ReplaySurfacePayload freshSurface;
+  ReplayFaceTrimPayload freshTrim;
+  const ReplaySurfacePayload* surface = Cached(surfaceCache, id);
+  const ReplayFaceTrimPayload* trim = Cached(trimCache, id);
+  if (surface == nullptr && Describe(FaceShape(id), id, trim, freshSurface))
+    surface = &freshSurface;
+  if (surface != nullptr && trim == nullptr &&
+      Describe(FaceShape(id), id, surface, *index, freshTrim))
+    trim = &freshTrim;
+  if (surface != nullptr && trim != nullptr)
+    WriteFacePayload(json, *surface, *trim);
+}
+
+void StepGeometryPayloadStore::WriteShell(JsonWriter& json, ReplayId id) const
+{
+  const Shell* shell = ShellOf(id);
+  if (shell == nullptr)
+    return;
   json.BeginObject();
   json.Field("shellId", id);
-  json.Field("isClosed", shell.isClosed);
-  json.ArrayField("faces", shell.faceIds, [&](ReplayId faceId) {
-    const Face face = FaceOf(faceId);
-    WriteFacePayload(json, *face.surface, *face.trim);
-  });
+  json.Field("isClosed", shell->isClosed);
+  json.ArrayField("faces", shell->faceIds, [&](ReplayId face) { WriteFace(json, face); });
   json.EndObject();
 }
 
@@ -235,8 +292,7 @@ void StepGeometryPayloadStore::WriteSolid(JsonWriter& json, ReplayId id, const S
   json.BeginObject();
   json.Field("solidId", id);
   json.Field("exactBrep", solid.exactBrep);
-  json.ArrayField("shells", solid.shellIds,
-                  [&](ReplayId shellId) { WriteShell(json, shellId, *ShellOf(shellId)); });
+  json.ArrayField("shells", solid.shellIds, [&](ReplayId shell) { WriteShell(json, shell); });
   json.EndObject();
 }
 
@@ -268,18 +324,19 @@ std::string StepGeometryPayloadStore::ExpandFacePayloadJson(ReplayId id) const
 
 std::string StepGeometryPayloadStore::ExpandShellPayloadJson(ReplayId id) const
 {
-  const Shell* shell = ShellOf(id);
-  if (shell == nullptr)
-    return kFailed;
   std::string text;
   JsonWriter json(text);
-  WriteShell(json, id, *shell);
-  return text;
+  WriteShell(json, id);
+  return text.empty() ? kFailed : text;
 }
 
+// Without its cache: the text of a solid is as long as all else.
 std::string StepGeometryPayloadStore::ExpandSolidPayloadJson(ReplayId id) const
 {
-  const Solid* solid = SolidOf(id);
+  Solid fresh;
+  const Solid* solid = Cached(solidCache, id);
+  if (solid == nullptr && DescribeSolid(id, fresh))
+    solid = &fresh;
   if (solid == nullptr)
     return kFailed;
   std::string text;

@@ -10,10 +10,11 @@
 // edge; a surface and a trim have the id of their face.
 //
 // Cost: expansion works on what is asked for and on nothing else, once: what was expanded is kept
-// until the next BuildIndex, faces once whatever asked for them (also for the sake of a shell, a
-// solid or a JSON text), and the kernel's text of a solid. Kept that is about as much as the JSON
-// text of the same entities, some 800 bytes for each use of an edge by a face; a copy of the store
-// is dear.
+// until the next BuildIndex, faces once whatever asked for them (also for the sake of a shell or a
+// solid), and the kernel's text of a solid. Kept that is about two and a half times as much as the
+// JSON text of the same entities; a copy of the store is dear. The JSON of a shell or a solid keeps
+// nothing of its faces, nor the kernel's text: it is written face by face, and again with each
+// call.
 //
 // Caveat: Expand operations are const and write these caches without a lock: one thread at a time.
 // The shapes are read only, and must not be changed while the store is in use.
@@ -74,7 +75,7 @@ private:
   template <typename Record>
   using Cache = std::unordered_map<ReplayId, Record>;
 
-  // A payload less its faces, which their own caches hold.
+  // A payload less its faces, which have caches of their own; with those that cannot be described.
   struct Shell
   {
     bool isClosed = false;
@@ -91,6 +92,9 @@ private:
     const ReplayFaceTrimPayload* trim = nullptr;
   };
 
+  const TopoDS_Shape* FaceShape(ReplayId id) const;
+  bool DescribeSolid(ReplayId id, Solid& solid) const;
+
   // From the cache, or described into it; null when that fails.
   const ReplayCurvePayload* CurveOf(ReplayId id) const;
   const ReplaySurfacePayload* SurfaceOf(ReplayId id) const;
@@ -99,7 +103,9 @@ private:
   const Shell* ShellOf(ReplayId id) const;
   const Solid* SolidOf(ReplayId id) const;
 
-  void WriteShell(JsonWriter& json, ReplayId id, const Shell& shell) const;
+  // Nothing for a face or shell that cannot be described.
+  void WriteFace(JsonWriter& json, ReplayId id) const;
+  void WriteShell(JsonWriter& json, ReplayId id) const;
   void WriteSolid(JsonWriter& json, ReplayId id, const Solid& solid) const;
 
   // Shared by copies: it does not change once it is made. Null after a move.

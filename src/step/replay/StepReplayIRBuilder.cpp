@@ -151,22 +151,25 @@ private:
     record.surfaceId = record.id;
     record.sameSense = face.Orientation() != TopAbs_REVERSED;
     const TopoDS_Wire outer = BRepTools::OuterWire(face);
+    const WireWalk walk(face);
     for (TopExp_Explorer wires(face, TopAbs_WIRE); wires.More(); wires.Next()) {
       const bool isOuter = !outer.IsNull() && wires.Current().IsSame(outer);
-      record.loopIds.push_back(AddLoop(TopoDS::Wire(wires.Current()), face, record.id, isOuter));
+      record.loopIds.push_back(
+        AddLoop(TopoDS::Wire(wires.Current()), face, walk, record.id, isOuter));
     }
     record.boundCount = static_cast<std::int32_t>(record.loopIds.size());
     record.edgeIds = IdsIn(face, TopAbs_EDGE, index.edges);
     record.edgeCount = static_cast<std::int32_t>(record.edgeIds.size());
   }
 
-  ReplayId AddLoop(const TopoDS_Wire& wire, const TopoDS_Face& face, ReplayId faceId, bool isOuter)
+  ReplayId AddLoop(const TopoDS_Wire& wire, const TopoDS_Face& face, const WireWalk& walk,
+                   ReplayId faceId, bool isOuter)
   {
     ReplayLoopRecord loop;
     loop.id = summary.loops.size() + 1;
     loop.faceId = faceId;
     loop.isOuter = isOuter;
-    WalkWire(wire, face, [&](const TopoDS_Edge& edge, bool isWalked) {
+    walk.Along(wire, [&](const TopoDS_Edge& edge, bool isWalked) {
       ReplayCoedgeRecord coedge;
       coedge.id = summary.coedges.size() + 1;
       coedge.loopId = loop.id;

@@ -14,11 +14,15 @@
 // well formed as the calls are paired.
 #pragma once
 
+#include "step/replay/internal/JsonNumber.h"
+
 #include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Orvex {
@@ -47,11 +51,12 @@ public:
     Close(']');
   }
 
+  // Requires: nothing in it that would have to be escaped.
   void Key(std::string_view key)
   {
-    Separate();
-    Quoted(key);
-    text.push_back(':');
+    text.append(separated ? ",\"" : "\"");
+    text.append(key);
+    text.append("\":");
     separated = false;
   }
 
@@ -62,20 +67,17 @@ public:
   }
   void Value(double value)
   {
-    Separate();
-    constexpr int kDigits = 6;
-    char buffer[32];
-    const auto end =
-      std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, kDigits);
-    text.append(buffer, end.ptr);
+    char buffer[1 + kJsonNumberSize];
+    char* const start = StartIn(buffer);
+    text.append(buffer, WriteJsonNumber(start, value));
   }
   template <typename Integer>
   requires std::integral<Integer>
   void Value(Integer value)
   {
-    Separate();
     char buffer[24];
-    text.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+    char* const start = StartIn(buffer);
+    text.append(buffer, std::to_chars(start, buffer + sizeof buffer, value).ptr);
   }
   void Value(std::string_view value)
   {
@@ -133,6 +135,12 @@ private:
       text.push_back(',');
     separated = true;
   }
+  // The same, in a buffer: one append takes less time than two.
+  char* StartIn(char* buffer)
+  {
+    *buffer = ',';
+    return std::exchange(separated, true) ? buffer + 1 : buffer;
+  }
   void Open(char bracket)
   {
     Separate();
@@ -144,33 +152,37 @@ private:
     text.push_back(bracket);
     separated = true;
   }
+  // In runs of what needs no escape: texts can be as long as a model.
   void Quoted(std::string_view value)
   {
     text.push_back('"');
-    for (const char c : value)
-      Escaped(c);
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < value.size(); ++i)
+      if (const char* escape = EscapeOf(value[i])) {
+        text.append(value, start, i - start);
+        text.append(escape);
+        start = i + 1;
+      }
+    text.append(value, start);
     text.push_back('"');
   }
-  void Escaped(char c)
+
+  // Returns: null for a byte that stays.
+  static const char* EscapeOf(char c)
   {
     switch (c) {
     case '\t':
-      text.append("\\t");
-      break;
+      return "\\t";
     case '\n':
-      text.append("\\n");
-      break;
+      return "\\n";
     case '\r':
-      text.append("\\r");
-      break;
+      return "\\r";
     case '"':
-      text.append("\\\"");
-      break;
+      return "\\\"";
     case '\\':
-      text.append("\\\\");
-      break;
+      return "\\\\";
     default:
-      text.push_back(c);
+      return nullptr;
     }
   }
 

@@ -62,6 +62,18 @@ void Write(JsonWriter& json, const ReplayPcurvePayload& pcurve)
   json.EndObject();
 }
 
+// Nearly every coedge ends with it.
+const std::string& AbsentPcurve()
+{
+  static const std::string absent = [] {
+    std::string text;
+    JsonWriter json(text);
+    Write(json, ReplayPcurvePayload());
+    return text;
+  }();
+  return absent;
+}
+
 template <typename Record>
 void WriteBounds(JsonWriter& json, const Record& record)
 {
@@ -99,7 +111,11 @@ void Write(JsonWriter& json, const ReplayCoedgePayload& coedge)
   json.Key("curve3d");
   WritePayload(json, coedge.curve3d);
   WriteField(json, "pcurve", coedge.pcurve);
-  WriteField(json, "secondaryPcurve", coedge.secondaryPcurve);
+  json.Key("secondaryPcurve");
+  if (coedge.hasSecondaryPcurve)
+    Write(json, coedge.secondaryPcurve);
+  else
+    json.Raw(AbsentPcurve());
   json.EndObject();
 }
 

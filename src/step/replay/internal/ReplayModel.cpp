@@ -8,7 +8,6 @@
 #include "step/replay/StepReplayPlanBuilder.h"
 #include "step/replay/internal/JsonWriter.h"
 
-#include <algorithm>
 #include <array>
 #include <map>
 
@@ -42,17 +41,6 @@ const std::array<ScopeRow, 3> kScopes = {{
 const ScopeRow& RowOf(ReplayScope scope)
 {
   return kScopes[static_cast<std::size_t>(scope)];
-}
-
-Candidates CandidatesWith(const Candidates& all, const ScopeRow& row, ReplayId id)
-{
-  Candidates selected;
-  std::copy_if(all.begin(), all.end(), std::back_inserter(selected),
-               [&](const ReplayFeatureCandidate& candidate) {
-                 const std::vector<ReplayId>& ids = candidate.*row.ids;
-                 return std::find(ids.begin(), ids.end(), id) != ids.end();
-               });
-  return selected;
 }
 
 void WriteCounts(JsonWriter& json, const ReplayIRSummary& summary)
@@ -139,9 +127,35 @@ std::string ReplayModel::BundleJson()
   return text;
 }
 
+// A candidate that names the same entity twice is there once.
+const ReplayModel::CandidateIndex& ReplayModel::IndexOf(ReplayScope scope)
+{
+  std::optional<CandidateIndex>& byEntity = candidatesByEntity[static_cast<std::size_t>(scope)];
+  if (byEntity)
+    return *byEntity;
+  byEntity.emplace();
+  const auto& all = Candidates();
+  for (std::size_t i = 0; i < all.size(); ++i)
+    for (const ReplayId id : all[i].*RowOf(scope).ids)
+      if (std::vector<std::size_t>& places = (*byEntity)[id]; places.empty() || places.back() != i)
+        places.push_back(i);
+  return *byEntity;
+}
+
+std::vector<ReplayFeatureCandidate> ReplayModel::CandidatesOf(ReplayScope scope, ReplayId id)
+{
+  std::vector<ReplayFeatureCandidate> selected;
+  const CandidateIndex& byEntity = IndexOf(scope);
+  if (const auto found = byEntity.find(id); found != byEntity.end())
+    for (const std::size_t place : found->second)
+      selected.push_back(Candidates()[place]);
+  return selected;
+}
+
+// Candidates that do not name the entity have no part in its plan.
 ReplayPlan ReplayModel::PlanOf(ReplayScope scope, ReplayId id)
 {
-  return (StepReplayPlanBuilder().*RowOf(scope).plan)(Summary(), Candidates(), id);
+  return (StepReplayPlanBuilder().*RowOf(scope).plan)(Summary(), CandidatesOf(scope, id), id);
 }
 
 std::string ReplayModel::PlanJson(ReplayScope scope, ReplayId id)
@@ -168,7 +182,7 @@ std::string ReplayModel::EntityBundleJson(ReplayScope scope, ReplayId id)
   json.BeginObject();
   json.Field(row.idKey, id);
   json.RawField("payload", (Store().*row.payload)(id));
-  json.RawField("features", ToJson(CandidatesWith(Candidates(), row, id)));
+  json.RawField("features", ToJson(CandidatesOf(scope, id)));
   json.RawField("plan", ToJson(plan));
   json.RawField("commandContract", ToJson(BuildCommandContract(plan)));
   json.RawField("commandRequests", ToJson(BuildCommandRequests(plan)));

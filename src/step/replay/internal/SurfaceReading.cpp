@@ -5,7 +5,6 @@
 #include "step/replay/internal/KernelGuard.h"
 
 #include <BRepAdaptor_Surface.hxx>
-#include <BRepTools.hxx>
 #include <GeomAdaptor_Curve.hxx>
 #include <Geom_BSplineSurface.hxx>
 #include <Geom_BezierSurface.hxx>
@@ -153,13 +152,6 @@ constexpr Row kRows[] = {
 };
 
 } // namespace
-
-FaceBounds BoundsOf(const TopoDS_Face& face)
-{
-  FaceBounds bounds;
-  BRepTools::UVBounds(face, bounds.uMin, bounds.uMax, bounds.vMin, bounds.vMax);
-  return bounds;
-}
 
 void ReadSurface(const TopoDS_Face& face, ReplaySurfacePayload& payload)
 {

@@ -26,7 +26,7 @@ class TrimReading
 {
 public:
   TrimReading(const TopoDS_Face& trimmed, const ReplayIdIndex& ids)
-      : face(trimmed), index(ids), places(trimmed)
+      : face(trimmed), index(ids), walk(trimmed), places(trimmed)
   {}
 
   ReplayLoopPayload LoopOf(const TopoDS_Wire& wire, bool isOuter) const
@@ -35,8 +35,8 @@ public:
     loop.isOuter = isOuter;
     // Coedges are large, and the caches keep them.
     loop.coedges.reserve(static_cast<std::size_t>(wire.NbChildren()));
-    WalkWire(wire, face,
-             [&](const TopoDS_Edge& edge, bool) { ReadCoedge(edge, loop.coedges.emplace_back()); });
+    walk.Along(
+      wire, [&](const TopoDS_Edge& edge, bool) { ReadCoedge(edge, loop.coedges.emplace_back()); });
     return loop;
   }
 
@@ -54,10 +54,10 @@ private:
   void ReadCurves(const TopoDS_Edge& edge, ReplayCoedgePayload& coedge) const
   {
     coedge.hasCurve3d = ReadOrReset(coedge.curve3d, [&] {
-      coedge.curve3d.id = coedge.edgeId;
       ReadCurve(edge, coedge.curve3d);
       return true;
     });
+    coedge.curve3d.id = coedge.edgeId;
     coedge.hasPcurve =
       ReadOrReset(coedge.pcurve, [&] { return ReadPcurve(edge, face, coedge.pcurve); });
     coedge.hasSecondaryPcurve = coedge.isSeam && ReadOrReset(coedge.secondaryPcurve, [&] {
@@ -91,6 +91,7 @@ private:
 
   const TopoDS_Face& face;
   const ReplayIdIndex& index;
+  const WireWalk walk;
   VertexPlaces places;
 };
 
