@@ -78,7 +78,7 @@ const ShapeKind* KindOfCode(int typeCode)
   return nullptr;
 }
 
-std::function<bool()> RebuildOf(const ShapeKind& kind, const TDF_Label& label)
+RebuildFunction RebuildOf(const ShapeKind& kind, const TDF_Label& label)
 {
   return [label, code = kind.typeCode, update = kind.update] {
     if (ValidTypeOf(label) != code || XCAFDoc_ShapeTool::GetShape(label).IsNull())

@@ -130,6 +130,7 @@ ORVEX_API const ShapeKind* KindOfWord(const std::string& word);
 // Makes the shape on a label again from the parameters there. What is called answers false, and
 // changes nothing, when the label bears no shape of the kind any more; a failure of the kernel
 // passes.
-ORVEX_API std::function<bool()> RebuildOf(const ShapeKind& kind, const TDF_Label& label);
+using RebuildFunction = std::function<bool()>;
+ORVEX_API RebuildFunction RebuildOf(const ShapeKind& kind, const TDF_Label& label);
 
 } // namespace Orvex

@@ -85,6 +85,8 @@ class Documents(unittest.TestCase):
                                       (["--solid", "1", "--manifest"], 2, "--manifest"), (["--plan"], 2, "--plan"),
                                       (["--summary", "--features"], 2, "one document"),
                                       (["--face", "1", "--solid", "1"], 2, ""), (["--all"], 2, "-o DIR"),
+                                      (["--all", "--solid", "1"], 2, "--solid"), (["--all", "--plan"], 2, "--plan"),
+                                      (["--face", "-1"], 2, "-1"), (["--face", "99999999999999999999"], 2, "99999"),
                                       (["-o", "/no/such/folder/x.json"], 5, "/no/such/folder")):
             answer = orvex("replay", SAMPLE, *arguments)
             self.assertEqual((answer.code, answer.out), (code, b""), arguments)
@@ -143,6 +145,13 @@ class Scripts(unittest.TestCase):
         answer = orvex("replay", "broken.step", "--all", "-o", "out", cwd=self.folder)
         self.assertEqual((answer.code, answer.out, answer.err.count(b"\n")), (3, b"", 1))
         self.assertEqual(list((self.folder / "out").iterdir()), [])
+
+    def test_a_folder_in_the_way_of_a_script_keeps_all_as_it_was(self):
+        (self.folder / "out" / "solid_7.py").mkdir(parents=True)
+        answer = orvex("replay", SAMPLE, "--all", "-o", "out", cwd=self.folder)
+        self.assertEqual((answer.code, answer.out, answer.err.count(b"\n")), (5, b"", 1))
+        self.assertIn(b"solid_7.py", answer.err)
+        self.assertEqual([p.name for p in (self.folder / "out").iterdir()], ["solid_7.py"])
 
     @unittest.skipUnless(DATA, NO_DATA)
     def test_of_real_files(self):

@@ -140,10 +140,10 @@ inline TopoDS_Face BezierFace()
 
 inline TopoDS_Shape RevolvedSolid()
 {
-  const TopoDS_Wire profile = BRepBuilderAPI_MakeWire(
-    SplineEdge(), BRepBuilderAPI_MakeEdge(gp_Pnt(5, 0, 4), gp_Pnt(0, 0, 4)),
-    BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 4), gp_Pnt(0, 0, 1)),
-    BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 1), gp_Pnt(6, 0, 1)));
+  const TopoDS_Wire profile =
+    BRepBuilderAPI_MakeWire(SplineEdge(), BRepBuilderAPI_MakeEdge(gp_Pnt(5, 0, 4), gp_Pnt(0, 0, 4)),
+                            BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 4), gp_Pnt(0, 0, 1)),
+                            BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 1), gp_Pnt(6, 0, 1)));
   return BRepPrimAPI_MakeRevol(BRepBuilderAPI_MakeFace(profile).Face(), gp::OZ()).Shape();
 }
 

@@ -2,6 +2,7 @@
 #include "commands/Commands.h"
 
 #include "frame/Interrupt.h"
+#include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
 #include "info/InfoText.h"
@@ -18,10 +19,6 @@
 namespace Orvex::Cli {
 
 namespace {
-
-// Far longer than the kernel ever takes between two signs of life over a file that it gets
-// through; but it can loop for ever over a broken one.
-constexpr double kStallLimitSeconds = 120.0;
 
 constexpr int kLossesShown = 10;
 
@@ -164,11 +161,7 @@ Action DeclareInfo(CLI::App& app)
   app.add_flag("--plain", options->read.plain, "Read shapes and names only, no products, colours");
   app.add_flag("--in-process", options->inProcess,
                "Read without the protection of a worker process");
-  app
-    .add_option("--stall-limit", options->stallLimitSeconds,
-                "Give up on a file after so long without progress (120; 0: never)")
-    ->check(CLI::NonNegativeNumber.description(""))
-    ->option_text("SECONDS");
+  AddStallLimit(app, options->stallLimitSeconds);
   return [options](Session& session) {
     options->read.timeLimitSeconds = session.Options().timeLimitSeconds;
     return RunInfo(*options, session);

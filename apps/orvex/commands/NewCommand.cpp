@@ -4,6 +4,7 @@
 #include "create/KindRecord.h"
 #include "create/ShapeMaking.h"
 #include "frame/PendingFile.h"
+#include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
 
@@ -17,7 +18,7 @@ namespace Orvex::Cli {
 namespace {
 
 // No sound shape takes the kernel anywhere near as long; some values make it loop for ever.
-constexpr double kStallLimitSeconds = 60.0;
+constexpr double kShapeLimitSeconds = 60.0;
 
 struct NewOptions
 {
@@ -25,6 +26,7 @@ struct NewOptions
   std::vector<std::string> parameters;
   std::string output;
   bool list = false;
+  double stallLimitSeconds = kShapeLimitSeconds;
 };
 
 ExitCode List(const NewOptions& options, Session& session)
@@ -56,10 +58,10 @@ FileFormat OutputFormat(const std::string& path)
 }
 
 QJsonObject MakeInWorker(const NewShape& wanted, const std::optional<WriteTarget>& target,
-                         Session& session)
+                         double stallLimitSeconds, Session& session)
 {
   const QString subject = TextFromBytes(wanted.kind->word);
-  const WorkerOptions limits{session.Options().timeLimitSeconds, kStallLimitSeconds,
+  const WorkerOptions limits{session.Options().timeLimitSeconds, stallLimitSeconds,
                              session.Options().verbose};
   ProgressDisplay progress(session.Streams(), session.Options(), subject);
   const auto job = [&](const ProgressSink& sink) {
@@ -81,7 +83,7 @@ ExitCode Make(const NewOptions& options, Session& session)
     file.emplace(options.output);
     target = WriteTarget{format, file->Path(), options.output};
   }
-  QJsonObject made = MakeInWorker(wanted, target, session);
+  QJsonObject made = MakeInWorker(wanted, target, options.stallLimitSeconds, session);
   if (file)
     file->Commit();
   made.insert("schema", "orvex.new");
@@ -116,6 +118,7 @@ Action DeclareNew(CLI::App& app)
   app.add_option("-o,--output", options->output, std::string("Write it: ") + kEndings)
     ->option_text("FILE");
   app.add_flag("--list", options->list, "Show the kinds and their parameters");
+  AddStallLimit(app, options->stallLimitSeconds);
   return [options](Session& session) { return RunNew(*options, session); };
 }
 

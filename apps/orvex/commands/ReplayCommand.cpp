@@ -1,7 +1,9 @@
 // orvex replay: what can be told about rebuilding a STEP model, and scripts that do it.
 #include "commands/Commands.h"
 
+#include "frame/OutputDescriptor.h"
 #include "frame/PendingFile.h"
+#include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
 #include "info/InputCheck.h"
@@ -12,18 +14,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <filesystem>
 #include <memory>
-#include <unistd.h>
 
 namespace Orvex::Cli {
 
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr double kStallLimitSeconds = 120.0;
 
 struct FormRow
 {
@@ -52,6 +50,7 @@ struct ReplayOptions
   std::uint64_t face = 0, shell = 0, solid = 0;
   ReplayScopeWord scope = ReplayScopeWord::Model;
   bool all = false;
+  double stallLimitSeconds = kStallLimitSeconds;
   std::string output;
 };
 
@@ -86,7 +85,7 @@ QJsonObject InWorker(const ReplayOptions& options, Session& session, const Worke
 {
   const QString subject = TextFromBytes(options.path);
   ProgressDisplay progress(session.Streams(), session.Options(), subject);
-  const WorkerOptions limits{session.Options().timeLimitSeconds, kStallLimitSeconds,
+  const WorkerOptions limits{session.Options().timeLimitSeconds, options.stallLimitSeconds,
                              session.Options().verbose};
   return ResultOfWorker(job, limits, progress,
                         {ExitCode::Unreadable, subject, "read", "reading", {}, {}});
@@ -133,21 +132,21 @@ private:
 ExitCode ExportOne(const ReplayOptions& options, Session& session)
 {
   const ReplayWish wish = WishOf(options);
-  const auto exportTo = [&](int descriptor) {
+  const auto exportTo = [&](int descriptor, const std::string& output) {
     InWorker(options, session, [&](const ProgressSink& sink) {
-      return ExportReplay(options.path, wish, descriptor, sink);
+      return ExportReplay(options.path, wish, descriptor, output, sink);
     });
   };
   if (options.output.empty()) {
     const Scratch scratch;
-    exportTo(scratch.Descriptor());
+    exportTo(scratch.Descriptor(), "a temporary file");
     scratch.CopyTo(session.Streams());
     return ExitCode::Done;
   }
   PendingFile file(options.output);
-  const int descriptor = ::open(file.Path().c_str(), O_WRONLY | O_CLOEXEC);
-  exportTo(descriptor);
-  ::close(descriptor);
+  OutputDescriptor output(file.Path(), OutputDescriptor::Place::Existing);
+  exportTo(output.Get(), options.output);
+  output.Finish();
   file.Commit();
   return ExitCode::Done;
 }
@@ -161,12 +160,10 @@ public:
     std::error_code error;
     fs::create_directories(target, error);
     path = (fs::path(target) / ".replay.XXXXXX").string();
-    if (error || ::mkdtemp(path.data()) == nullptr)
-      throw Failure{ExitCode::Partial,
-                    TextFromBytes(target),
-                    {},
-                    QStringLiteral("cannot be written: %1").arg(std::strerror(errno)),
-                    {}};
+    if (!error && ::mkdtemp(path.data()) == nullptr)
+      error = std::error_code(errno, std::generic_category());
+    if (error)
+      throw CannotWrite(target, error);
   }
   ~PendingFolder()
   {
@@ -181,13 +178,35 @@ public:
     return path;
   }
 
+  // Takes the place of files with the same names, of nothing else.
   void Commit() const
   {
+    std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(path))
-      fs::rename(entry.path(), fs::path(target) / entry.path().filename());
+      if (const fs::path place = PlaceOf(entry); fs::is_directory(place, error))
+        throw CannotWrite(place.string(), std::make_error_code(std::errc::is_a_directory));
+    for (const fs::directory_entry& entry : fs::directory_iterator(path)) {
+      fs::rename(entry.path(), PlaceOf(entry), error);
+      if (error)
+        throw CannotWrite(PlaceOf(entry).string(), error);
+    }
   }
 
 private:
+  static Failure CannotWrite(const std::string& file, const std::error_code& error)
+  {
+    return {ExitCode::Partial,
+            TextFromBytes(file),
+            {},
+            QStringLiteral("cannot be written: %1").arg(TextFromBytes(error.message())),
+            {}};
+  }
+
+  fs::path PlaceOf(const fs::directory_entry& entry) const
+  {
+    return fs::path(target) / entry.path().filename();
+  }
+
   const std::string target;
   std::string path;
 };
@@ -209,6 +228,15 @@ ExitCode ExportAll(const ReplayOptions& options, Session& session)
   return ExitCode::Done;
 }
 
+// A sign or too many digits would be read as the largest number.
+std::string IsCount(const std::string& text)
+{
+  constexpr std::size_t kDigits = 19;
+  const bool isCount = !text.empty() && text.size() <= kDigits &&
+                       text.find_first_not_of("0123456789") == std::string::npos;
+  return isCount ? std::string() : std::string(text).append(" is no number of an entity");
+}
+
 ExitCode RunReplay(const ReplayOptions& options, Session& session)
 {
   if (const auto problem = CheckInput(options.path, FileFormat::Step))
@@ -224,19 +252,25 @@ Action DeclareReplay(CLI::App& app)
   app.add_option("FILE", options->path, "A STEP file")->required();
   for (const FormRow& row : kForms)
     app.add_flag(row.option, options->forms[row.form], row.help);
+  CLI::Option* all =
+    app.add_flag("--all", options->all, "A script for each solid, in the folder of -o");
+  for (const FormRow& row : kForms)
+    all->excludes(row.option);
   CLI::Option_group* entity = app.add_option_group("entity");
   entity->require_option(0, 1);
   const auto addEntity = [&](const char* name, std::uint64_t& id, ReplayScopeWord scope) {
     entity->add_option(name, id, "Of this one instead of the whole model")
       ->option_text("N")
+      ->check(IsCount, "")
+      ->excludes(all)
       ->each([options, scope](const std::string&) { options->scope = scope; });
   };
   addEntity("--face", options->face, ReplayScopeWord::Face);
   addEntity("--shell", options->shell, ReplayScopeWord::Shell);
   addEntity("--solid", options->solid, ReplayScopeWord::Solid);
-  app.add_flag("--all", options->all, "A script for each solid, in the folder of -o");
   app.add_option("-o,--output", options->output, "Write there instead of to standard output")
-    ->option_text("FILE");
+    ->option_text("FILE|DIR");
+  AddStallLimit(app, options->stallLimitSeconds);
   return [options](Session& session) { return RunReplay(*options, session); };
 }
 

@@ -1,18 +1,15 @@
 #include "replay/ReplayExport.h"
 
 #include "frame/Failure.h"
+#include "frame/OutputDescriptor.h"
 #include "frame/Text.h"
 #include "step/CStepFileReader.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 
-#include <cerrno>
 #include <chrono>
-#include <cstring>
-#include <fcntl.h>
 #include <map>
-#include <unistd.h>
 
 namespace Orvex::Cli {
 
@@ -98,34 +95,19 @@ std::string TextOf(const CStepFileReader& reader, const ReplayWish& wish)
   return (reader.*text)(wish.id);
 }
 
-void WriteWhole(int descriptor, const std::string& text, const std::string& path)
+void WriteFile(const std::string& file, const std::string& text)
 {
-  for (std::size_t written = 0; written < text.size();) {
-    const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
-    if (count < 0 && errno != EINTR)
-      throw Failure{ExitCode::Partial,
-                    TextFromBytes(path),
-                    {},
-                    QStringLiteral("the result cannot be written: %1").arg(std::strerror(errno)),
-                    {}};
-    written += static_cast<std::size_t>(std::max<ssize_t>(0, count));
-  }
+  OutputDescriptor output(file, OutputDescriptor::Place::New);
+  WriteWhole(output.Get(), text, file);
+  output.Finish();
 }
 
-void WriteFile(const std::string& file, const std::string& text, const std::string& path)
-{
-  const int descriptor = ::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-  WriteWhole(descriptor, text, path);
-  ::close(descriptor);
-}
-
-QJsonObject ExportScript(const CStepFileReader& reader, std::uint64_t id, const std::string& folder,
-                         const std::string& path)
+QJsonObject ExportScript(const CStepFileReader& reader, std::uint64_t id, const std::string& folder)
 {
   const auto start = std::chrono::steady_clock::now();
   const std::string name = std::string("solid_").append(std::to_string(id)).append(".py");
   const std::string script = reader.BuildReplaySolidPythonScript(id);
-  WriteFile(std::string(folder).append("/").append(name), script, path);
+  WriteFile(std::string(folder).append("/").append(name), script);
   const QJsonDocument plan =
     QJsonDocument::fromJson(QByteArray::fromStdString(reader.BuildReplaySolidPlanJson(id)));
   return {
@@ -139,7 +121,7 @@ QJsonObject ExportScript(const CStepFileReader& reader, std::uint64_t id, const 
 } // namespace
 
 QJsonObject ExportReplay(const std::string& path, const ReplayWish& wish, int descriptor,
-                         const ProgressSink& progress)
+                         const std::string& output, const ProgressSink& progress)
 {
   CStepFileReader reader;
   Read(reader, path, progress);
@@ -149,7 +131,7 @@ QJsonObject ExportReplay(const std::string& path, const ReplayWish& wish, int de
   std::string text = TextOf(reader, wish);
   if (wish.form != ReplayForm::Script)
     text.push_back('\n');
-  WriteWhole(descriptor, text, path);
+  WriteWhole(descriptor, text, output);
   return {{"bytes", static_cast<qint64>(text.size())}};
 }
 
@@ -163,7 +145,7 @@ QJsonObject ExportAllScripts(const std::string& path, const std::string& folder,
   for (std::uint64_t id = 1; id <= solids; ++id) {
     progress(
       {QStringLiteral("scripts"), static_cast<double>(id - 1) / static_cast<double>(solids)});
-    exported.append(ExportScript(reader, id, folder, path));
+    exported.append(ExportScript(reader, id, folder));
   }
   return {{"solids", exported}};
 }

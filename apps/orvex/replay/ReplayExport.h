@@ -33,13 +33,14 @@ struct ReplayWish
   ReplayForm form = ReplayForm::Manifest;
 };
 
-// Reads the file and writes the document to the descriptor.
+// Reads the file and writes the document to the descriptor, which failures call by the name of the
+// output.
 //
 // Returns: {"bytes": ...}.
 // Errors: a Failure; ExitCode::Unreadable for a file that cannot be read, ExitCode::Usage for an id
 //   that the model does not have, ExitCode::Partial when it cannot be written.
 QJsonObject ExportReplay(const std::string& path, const ReplayWish& wish, int descriptor,
-                         const ProgressSink& progress);
+                         const std::string& output, const ProgressSink& progress);
 
 // Reads the file and writes a script for each solid into the folder: solid_1.py and so on.
 //

@@ -92,13 +92,12 @@ TEST(PayloadStore, CurvesCarryTheirKindAndItsNumbers)
   EXPECT_THAT(line.analyticParameters, Pointwise(Near(), {1.0, 1.0, 1.0, 4.0, 5.0, 1.0}));
   const auto circle = OnlyCurve(BRepBuilderAPI_MakeEdge(gp_Circ(frame, 2), 0.5, 1.5).Edge());
   EXPECT_EQ(circle.kind, "circle");
-  EXPECT_THAT(circle.analyticParameters, Pointwise(Near(), {1.0, 2.0, 3.0, 0.0, 1.0, 0.0, 0.0, 0.0,
-                                                            1.0, 2.0, 0.5, 1.5}));
+  EXPECT_THAT(circle.analyticParameters,
+              Pointwise(Near(), {1.0, 2.0, 3.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0, 2.0, 0.5, 1.5}));
   const auto ellipse = OnlyCurve(BRepBuilderAPI_MakeEdge(gp_Elips(frame, 3, 2)).Edge());
   EXPECT_EQ(ellipse.kind, "ellipse");
-  EXPECT_THAT(ellipse.analyticParameters,
-              Pointwise(Near(), {1.0, 2.0, 3.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0, 3.0, 2.0, 0.0,
-                                 2 * M_PI}));
+  EXPECT_THAT(ellipse.analyticParameters, Pointwise(Near(), {1.0, 2.0, 3.0, 0.0, 1.0, 0.0, 0.0, 0.0,
+                                                             1.0, 3.0, 2.0, 0.0, 2 * M_PI}));
   const auto bezier = OnlyCurve(BezierEdge({1, 2, 1}));
   EXPECT_EQ(bezier.kind, "bezier_curve");
   EXPECT_EQ(bezier.degree, 2);
@@ -227,9 +226,9 @@ TEST(PayloadStore, PlacesOfVerticesAreTheKernels)
       for (const ReplayLoopPayload& loop : trim.loops)
         for (const ReplayCoedgePayload& coedge : loop.coedges) {
           ASSERT_TRUE(coedge.hasStartVertexUv);
-          const gp_Pnt2d place = BRep_Tool::Parameters(
-            TopoDS::Vertex(vertices(static_cast<int>(coedge.startVertexId))),
-            TopoDS::Face(faces(face)));
+          const gp_Pnt2d place =
+            BRep_Tool::Parameters(TopoDS::Vertex(vertices(static_cast<int>(coedge.startVertexId))),
+                                  TopoDS::Face(faces(face)));
           EXPECT_EQ(coedge.startVertexUv.u, place.X());
           EXPECT_EQ(coedge.startVertexUv.v, place.Y());
         }
@@ -267,9 +266,9 @@ TEST(PayloadStore, JsonHasEveryKeyInOrderAndSixDigits)
                           "poleRows", "poleCols", "controlPoints", "uKnots", "vKnots",
                           "uMultiplicities", "vMultiplicities", "weights", "analyticParameters",
                           "hasBasisCurve", "basisCurve"));
-  EXPECT_THAT(KeysOf(store.ExpandFaceTrimPayloadJson(1)),
-              ElementsAre("faceId", "surfaceId", "sameSense", "uMin", "uMax", "vMin", "vMax",
-                          "loops"));
+  EXPECT_THAT(
+    KeysOf(store.ExpandFaceTrimPayloadJson(1)),
+    ElementsAre("faceId", "surfaceId", "sameSense", "uMin", "uMax", "vMin", "vMax", "loops"));
   EXPECT_THAT(KeysOf(store.ExpandFacePayloadJson(1)), ElementsAre("faceId", "surface", "trim"));
   EXPECT_THAT(KeysOf(store.ExpandShellPayloadJson(1)), ElementsAre("shellId", "isClosed", "faces"));
   EXPECT_THAT(KeysOf(store.ExpandSolidPayloadJson(1)),

@@ -67,7 +67,8 @@ TEST(ReplaySummary, OfACylinderTellsTheSeamTwice)
 {
   const ReplayIRSummary cylinder = SummaryOf(Cylinder());
   EXPECT_THAT(cylinder.curveHistogram, ElementsAre(Pair("circle", 2), Pair("line", 1)));
-  EXPECT_THAT(cylinder.surfaceHistogram, ElementsAre(Pair("cylinder_surface", 1), Pair("plane", 2)));
+  EXPECT_THAT(cylinder.surfaceHistogram,
+              ElementsAre(Pair("cylinder_surface", 1), Pair("plane", 2)));
   const ReplayFaceRecord& wall = cylinder.faces[0];
   EXPECT_EQ(wall.edgeCount, 4);
   EXPECT_EQ(wall.loopIds.size(), 1U);
@@ -149,9 +150,9 @@ TEST(ReplaySummary, JsonIsExactlyThis)
 {
   BRep_Builder builder;
   TopoDS_Face face = BRepBuilderAPI_MakeFace(gp_Pln()).Face();
-  builder.Add(face, BRepBuilderAPI_MakeWire(
-                      BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 0), gp_Pnt(1.0 / 3, 0, 0)))
-                      .Wire());
+  builder.Add(
+    face, BRepBuilderAPI_MakeWire(BRepBuilderAPI_MakeEdge(gp_Pnt(0, 0, 0), gp_Pnt(1.0 / 3, 0, 0)))
+            .Wire());
   EXPECT_EQ(ToJson(SummaryOf(face)),
             R"({"sourceName":"model","vertices":[{"id":1,"x":0,"y":0,"z":0},)"
             R"({"id":2,"x":0.333333,"y":0,"z":0}],"curves":[{"id":1,"kind":"line","degree":-1,)"
