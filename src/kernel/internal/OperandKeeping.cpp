@@ -2,6 +2,7 @@
 
 #include "kernel/internal/TopologyCopy.h"
 
+#include <BRepAlgoAPI_Section.hxx>
 #include <BRep_Builder.hxx>
 #include <TopoDS_Compound.hxx>
 
@@ -33,6 +34,15 @@ TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
     setup(boolean);
   boolean.Build();
   return boolean.IsDone() ? boolean.Shape() : TopoDS_Shape();
+}
+
+TopoDS_Shape SectionOf(const TopoDS_Shape& first, const TopoDS_Shape& second)
+{
+  TopologyCopier copier;
+  BRepAlgoAPI_Section section(copier.Copy(first), copier.Copy(second), false);
+  section.SetToFillHistory(false);
+  section.Build();
+  return section.IsDone() ? section.Shape() : TopoDS_Shape();
 }
 
 TopoDS_Shape CompoundOf(const TopoDS_Shape& first, const TopoDS_Shape& second)

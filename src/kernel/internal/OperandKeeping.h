@@ -28,6 +28,12 @@ using BooleanSetup = std::function<void(BRepAlgoAPI_BooleanOperation&)>;
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup = {});
 
+// The edges and vertices in which two shapes meet, without curves on their surfaces; an empty
+// compound if they do not meet.
+// Returns: null if the kernel cannot do it.
+// Errors: Standard_Failure passes.
+TopoDS_Shape SectionOf(const TopoDS_Shape& first, const TopoDS_Shape& second);
+
 // Copies of both shapes side by side; the other shape itself if one is null.
 TopoDS_Shape CompoundOf(const TopoDS_Shape& first, const TopoDS_Shape& second);
 
