@@ -85,12 +85,11 @@ TopoDS_Shape CurveOp::ExtendCurve(const TopoDS_Shape& curve, double distance, bo
 TopoDS_Shape CurveOp::OffsetCurve(const TopoDS_Shape& curve, double distance)
 {
   constexpr double kAltitude = 0;
-  const TopoDS_Wire wire = Orvex::WireOfCurve(curve);
+  // Of a copy: as part of a wire an edge loses a mark, and offsetting writes on the edges.
+  const TopoDS_Wire wire = Orvex::WireOfCurve(Orvex::TopologyCopier().Copy(curve));
   if (wire.IsNull() || !std::isfinite(distance))
     return {};
-  // Offsetting makes a face, which writes on the edges.
-  BRepOffsetAPI_MakeOffset offset(TopoDS::Wire(Orvex::TopologyCopier().Copy(wire)), GeomAbs_Arc,
-                                  false);
+  BRepOffsetAPI_MakeOffset offset(wire, GeomAbs_Arc, false);
   offset.Perform(distance, kAltitude);
   return offset.IsDone() ? offset.Shape() : TopoDS_Shape();
 }
