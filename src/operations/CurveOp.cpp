@@ -1,11 +1,10 @@
 #include "operations/CurveOp.h"
 
 #include "kernel/internal/CurveShapes.h"
-#include "kernel/internal/TopologyCopy.h"
+#include "kernel/internal/FiniteNumbers.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBuilderAPI_MakeEdge.hxx>
-#include <BRepOffsetAPI_MakeOffset.hxx>
 #include <BRep_Tool.hxx>
 #include <GeomLib.hxx>
 #include <Geom_BoundedCurve.hxx>
@@ -68,7 +67,7 @@ TopoDS_Shape ExtendedTo(const gp_Pnt& target, const TopoDS_Edge& edge, bool atEn
 TopoDS_Shape CurveOp::ExtendCurve(const TopoDS_Shape& curve, double distance, bool atEnd)
 {
   const TopoDS_Edge edge = Orvex::ToEdge(curve);
-  if (edge.IsNull() || !(distance > 0) || !std::isfinite(distance))
+  if (edge.IsNull() || !(distance > 0) || !Orvex::IsFinite(distance))
     return {};
   const BRepAdaptor_Curve adaptor(edge);
   if (adaptor.GetType() == GeomAbs_Line)
@@ -80,18 +79,6 @@ TopoDS_Shape CurveOp::ExtendCurve(const TopoDS_Shape& curve, double distance, bo
     return {};
   tangent.Normalize();
   return ExtendedTo(point.Translated(tangent * (atEnd ? distance : -distance)), edge, atEnd);
-}
-
-TopoDS_Shape CurveOp::OffsetCurve(const TopoDS_Shape& curve, double distance)
-{
-  constexpr double kAltitude = 0;
-  // Of a copy: as part of a wire an edge loses a mark, and offsetting writes on the edges.
-  const TopoDS_Wire wire = Orvex::WireOfCurve(Orvex::TopologyCopier().Copy(curve));
-  if (wire.IsNull() || !std::isfinite(distance))
-    return {};
-  BRepOffsetAPI_MakeOffset offset(wire, GeomAbs_Arc, false);
-  offset.Perform(distance, kAltitude);
-  return offset.IsDone() ? offset.Shape() : TopoDS_Shape();
 }
 
 TopoDS_Shape CurveOp::TrimCurve(const TopoDS_Shape& curve, double first, double last)

@@ -1,9 +1,12 @@
 // The general fuses of OrvexGeometryOp.
 #include "operations/OrvexGeometryOp.h"
 
+#include "kernel/internal/FiniteNumbers.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BOPAlgo_Builder.hxx>
+
+#include <algorithm>
 
 namespace {
 
@@ -12,6 +15,8 @@ namespace {
 TopoDS_Shape FusedGenerally(const NCollection_List<TopoDS_Shape>& shapes)
 {
   constexpr double kFuzzyValue = 1e-5;
+  if (!std::all_of(shapes.begin(), shapes.end(), Orvex::HasFinitePlaces))
+    return {};
   Orvex::TopologyCopier copier;
   BOPAlgo_Builder builder;
   for (const TopoDS_Shape& shape : shapes)

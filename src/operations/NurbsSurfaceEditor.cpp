@@ -1,5 +1,7 @@
 #include "operations/NurbsSurfaceEditor.h"
 
+#include "kernel/internal/FiniteNumbers.h"
+
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepTools.hxx>
 #include <BRep_Tool.hxx>
@@ -18,9 +20,11 @@ namespace {
 using Grid = std::vector<std::vector<gp_Pnt>>;
 using Surface = Handle(Geom_BSplineSurface);
 
+using Orvex::IsFinite;
+
 bool IsFinite(const gp_XYZ& place)
 {
-  return std::isfinite(place.X()) && std::isfinite(place.Y()) && std::isfinite(place.Z());
+  return IsFinite(place.X()) && IsFinite(place.Y()) && IsFinite(place.Z());
 }
 
 // Null for a null face and for any other kind of surface.
@@ -141,7 +145,7 @@ bool NurbsSurfaceEditor::PushPullFaceAlongNormal(TopoDS_Face& face, double dista
 {
   constexpr double kNoDistance = 1e-7;
   const Surface surface = SurfaceOf(face);
-  if (surface.IsNull() || !(std::abs(distance) > kNoDistance) || !std::isfinite(distance))
+  if (surface.IsNull() || !(std::abs(distance) > kNoDistance) || !IsFinite(distance))
     return false;
   const auto normal = NormalAtMiddle(face, surface);
   if (!normal)
@@ -159,7 +163,7 @@ bool NurbsSurfaceEditor::ReparameterizeSurface(TopoDS_Face& face, double uMin, d
   const Surface surface = SurfaceOf(face);
   if (surface.IsNull() || !(uMin < uMax && vMin < vMax))
     return false;
-  if (!std::isfinite(uMax - uMin) || !std::isfinite(vMax - vMin))
+  if (!IsFinite(uMax - uMin) || !IsFinite(vMax - vMin))
     return false;
   TColStd_Array1OfReal uKnots(surface->UKnots()), vKnots(surface->VKnots());
   if (!Rescale(uKnots, uMin, uMax) || !Rescale(vKnots, vMin, vMax))

@@ -1,6 +1,7 @@
 // The sweeps of OrvexGeometryOp.
 #include "operations/OrvexGeometryOp.h"
 
+#include "kernel/internal/FiniteNumbers.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepBuilderAPI_MakeEdge.hxx>
@@ -13,7 +14,6 @@
 #include <TopoDS.hxx>
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -22,7 +22,7 @@ TopoDS_Shape PrismOf(const TopoDS_Wire& wire, const gp_Dir& direction, double le
 {
   // The kernel raises this for an infinite length. Of one that is no number it makes a solid that
   // nobody can measure: that never ends.
-  if (!std::isfinite(length))
+  if (!Orvex::IsFinite(length))
     throw Standard_ConstructionError("the length of a sweep is no finite number");
   BRepBuilderAPI_MakeFace face(wire, false);
   // The kernel gives a null face without a word, and does not survive the prism of one.

@@ -1,18 +1,16 @@
 // The offset of OrvexGeometryOp.
 #include "operations/OrvexGeometryOp.h"
 
+#include "kernel/internal/FiniteNumbers.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepOffsetAPI_MakeOffsetShape.hxx>
-
-#include <cmath>
 
 namespace {
 
 bool IsSound(const sOffsetParameter& parameter)
 {
-  // The kernel may never end with an infinite or undefined distance.
-  return std::isfinite(parameter.offset) && std::isfinite(parameter.tolerance) &&
+  return Orvex::IsFinite(parameter.offset) && Orvex::IsFinite(parameter.tolerance) &&
          parameter.mode >= BRepOffset_Skin && parameter.mode <= BRepOffset_RectoVerso &&
          parameter.join >= GeomAbs_Arc && parameter.join <= GeomAbs_Intersection;
 }
@@ -21,7 +19,7 @@ bool IsSound(const sOffsetParameter& parameter)
 
 TopoDS_Shape OrvexGeometryOp::OffsetObject(TopoDS_Shape& shape, sOffsetParameter parameter)
 {
-  if (!IsSound(parameter))
+  if (!IsSound(parameter) || !Orvex::HasFinitePlaces(shape))
     return {};
   BRepOffsetAPI_MakeOffsetShape offset;
   offset.PerformByJoin(Orvex::TopologyCopier().Copy(shape), parameter.offset, parameter.tolerance,

@@ -129,8 +129,13 @@ TEST(CurveOp, OffsetsHaveTheLengthOfTheFormula)
   for (const double distance : {0.5, 1.0, 1e3})
     EXPECT_NEAR(LengthOf(CurveOp::OffsetCurve(square, distance)), 40 + 2 * M_PI * distance, 1e-6);
   EXPECT_NEAR(LengthOf(CurveOp::OffsetCurve(square, -1)), 32, 1e-6);
-  EXPECT_NEAR(LengthOf(CurveOp::OffsetCurve(Circle(5), 2)), 14 * M_PI, 1e-6);
-  EXPECT_NEAR(LengthOf(CurveOp::OffsetCurve(Circle(5), -2)), 6 * M_PI, 1e-6);
+  for (const double radius : {1e-3, 0.3, 1.0, 1.0005, 2.0, 1e6})
+    for (const double part : {-0.5, -1e-3, 0.0, 0.5, 3.0})
+      EXPECT_NEAR(LengthOf(CurveOp::OffsetCurve(Circle(radius), part * radius)) / radius,
+                  2 * M_PI * (1 + part), 1e-6);
+  const TopoDS_Edge turned = TopoDS::Edge(Circle(0.5).Reversed());
+  EXPECT_NEAR(LengthOf(CurveOp::OffsetCurve(BRepBuilderAPI_MakeWire(turned).Wire(), -0.1)),
+              1.2 * M_PI, 1e-6);
   const TopoDS_Shape nothingLeft = CurveOp::OffsetCurve(square, -6);
   ASSERT_FALSE(nothingLeft.IsNull());
   EXPECT_EQ(LengthOf(nothingLeft), 0);
@@ -146,7 +151,7 @@ TEST(CurveOp, WhatIsNoPlaneWireIsNotOffset)
   BRep_Builder().MakeWire(empty);
   for (const TopoDS_Shape& shape :
        {space, vertex, TopoDS_Shape(empty), TopoDS_Shape(CompoundOf({Square(1)})), TopoDS_Shape(),
-        TopoDS_Shape(Line(1))})
+        TopoDS_Shape(Line(1)), TopoDS_Shape(Circle(1e10))})
     EXPECT_TRUE(CurveOp::OffsetCurve(shape, 1).IsNull());
   for (const double distance : {kNaN, kInfinity, -kInfinity})
     EXPECT_TRUE(CurveOp::OffsetCurve(Square(1), distance).IsNull());
@@ -200,31 +205,27 @@ TEST(CurveOp, InputsStayBitForBit)
   }
 }
 
-// Random splines and polygons over nine orders of size: lengths add up.
+// Random splines over nine orders of size: the parts of a trim add up, and so does an extension.
 TEST(CurveOp, RandomCurvesAreTrimmedExtendedAndOffset)
 {
   SCOPED_TRACE(SeedNote());
   Random random(Seed());
   std::array<int, 3> built{}; // trimmed, extended, offset
   for (int i = 0; i < 200; ++i) {
-    const double size = std::pow(10, random.Real(-2, 7));
+    const double size = std::pow(10, random.Real(-2, 7)), middle = random.Real(0.01, 0.99);
     std::vector<gp_Pnt> points;
     for (int k = 2 + random.Index(5); k >= 0; --k)
       points.emplace_back(random.Real(0, size), random.Real(0, size), random.Real(0, size));
     const TopoDS_Edge curve = Bezier(points);
-    const double length = LengthOf(curve), middle = random.Real(0.01, 0.99);
-    EXPECT_NEAR(LengthOf(CurveOp::TrimCurve(curve, 0, middle)) +
-                  LengthOf(CurveOp::TrimCurve(curve, 2, middle)),
-                length, 1e-6 * length);
-    ++built[0];
+    const double length = LengthOf(curve);
+    const double parts = LengthOf(CurveOp::TrimCurve(curve, 0, middle)) +
+                         LengthOf(CurveOp::TrimCurve(curve, 2, middle));
+    built[0] += std::abs(parts - length) <= 1e-6 * length;
     const TopoDS_Shape longer = CurveOp::ExtendCurve(curve, size, random.Index(2) == 0);
     built[1] += !longer.IsNull() && LengthOf(longer) >= length + size * (1 - 1e-6);
     const TopoDS_Shape grown = CurveOp::OffsetCurve(Square(size), size * random.Real(0, 2));
     built[2] += !grown.IsNull() && LengthOf(grown) > 4 * size;
   }
-  RecordProperty("trimmed", built[0]);
-  RecordProperty("extended", built[1]);
-  RecordProperty("offset", built[2]);
   EXPECT_EQ(built, (std::array{200, 200, 200}));
 }
 

@@ -7,11 +7,13 @@
 #include <BRepAlgoAPI_Section.hxx>
 #include <BRepBuilderAPI_MakeEdge.hxx>
 #include <BRepBuilderAPI_MakeWire.hxx>
+#include <BRepOffsetAPI_MakeOffset.hxx>
 #include <BRepOffsetAPI_MakeOffsetShape.hxx>
 #include <BRepPrimAPI_MakeSphere.hxx>
 #include <BRepSweep_Prism.hxx>
 #include <Geom_Line.hxx>
 #include <Geom_TrimmedCurve.hxx>
+#include <gp_Circ.hxx>
 
 #include <gtest/gtest.h>
 
@@ -83,6 +85,18 @@ TEST(KernelFacts, SomeNumbersKeepItBusyForEver)
     const Handle(Geom_Line) line = new Geom_Line(gp_Pnt(), gp_Dir(0, 0, 1));
     BRepBuilderAPI_MakeEdge(new Geom_TrimmedCurve(line, kNaN, kNaN, true, true));
   });
+}
+
+TEST(KernelFacts, TheInwardOffsetOfASmallCircleIsFatal)
+{
+  const auto offsetInwards = [](double radius) {
+    const TopoDS_Edge circle = BRepBuilderAPI_MakeEdge(gp_Circ(gp::XOY(), radius));
+    BRepOffsetAPI_MakeOffset offset(BRepBuilderAPI_MakeWire(circle).Wire(), GeomAbs_Arc, false);
+    offset.Perform(-radius / 2, 0);
+    return offset.IsDone();
+  };
+  EXPECT_EXIT(offsetInwards(1), DiesOfASignal, "");
+  EXPECT_TRUE(offsetInwards(1.001));
 }
 
 TEST(KernelFacts, TheSectionOfShapesThatDoNotMeetIsEmptyAndNotNull)

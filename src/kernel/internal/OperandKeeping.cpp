@@ -1,5 +1,6 @@
 #include "kernel/internal/OperandKeeping.h"
 
+#include "kernel/internal/FiniteNumbers.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepAlgoAPI_Section.hxx>
@@ -22,6 +23,8 @@ TopTools_ListOfShape ListOf(const TopoDS_Shape& shape)
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup)
 {
+  if (!HasFinitePlaces(first) || !HasFinitePlaces(second))
+    return {};
   TopologyCopier copier;
   // Not the constructor with two shapes: it builds at once, before any option can be set.
   BRepAlgoAPI_BooleanOperation boolean;
@@ -38,6 +41,8 @@ TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
 
 TopoDS_Shape SectionOf(const TopoDS_Shape& first, const TopoDS_Shape& second)
 {
+  if (!HasFinitePlaces(first) || !HasFinitePlaces(second))
+    return {};
   TopologyCopier copier;
   BRepAlgoAPI_Section section(copier.Copy(first), copier.Copy(second), false);
   section.SetToFillHistory(false);
