@@ -2,14 +2,14 @@
 #include "operations/CurveOp.h"
 
 #include "kernel/internal/CurveShapes.h"
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBuilderAPI_Transform.hxx>
 #include <BRepOffsetAPI_MakeOffset.hxx>
-#include <TopExp.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopTools_MapOfOrientedShape.hxx>
 #include <TopoDS.hxx>
 #include <gp_Circ.hxx>
 
@@ -17,23 +17,14 @@
 
 namespace {
 
-// Whether an edge goes all the way round a curve and does not close: of a circle so large that its
-// ends are further apart than its tolerance. The kernel may never end with it.
-bool IsTorn(const TopoDS_Edge& edge)
-{
-  const BRepAdaptor_Curve curve(edge);
-  return curve.IsPeriodic() &&
-         curve.LastParameter() - curve.FirstParameter() >
-           curve.Period() - Precision::PConfusion() &&
-         !TopExp::FirstVertex(edge).IsSame(TopExp::LastVertex(edge));
-}
-
+// A wire that goes along an edge twice is not always survived by the kernel.
 bool IsSound(const TopoDS_Wire& wire)
 {
-  if (wire.IsNull() || !Orvex::HasFinitePlaces(wire))
+  if (wire.IsNull() || !Orvex::HasFinitePlaces(wire) || Orvex::HasTornEdge(wire))
     return false;
+  TopTools_MapOfOrientedShape seen;
   for (TopExp_Explorer edge(wire, TopAbs_EDGE); edge.More(); edge.Next())
-    if (IsTorn(TopoDS::Edge(edge.Current())))
+    if (!seen.Add(edge.Current()))
       return false;
   return true;
 }

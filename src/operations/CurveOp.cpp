@@ -1,7 +1,7 @@
 #include "operations/CurveOp.h"
 
 #include "kernel/internal/CurveShapes.h"
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBuilderAPI_MakeEdge.hxx>
@@ -18,6 +18,11 @@
 namespace {
 
 constexpr double kNoLength = 1e-12;
+
+bool IsSound(const TopoDS_Edge& edge)
+{
+  return !edge.IsNull() && Orvex::HasFinitePlaces(edge);
+}
 
 TopoDS_Shape EdgeOrNull(BRepBuilderAPI_MakeEdge&& edge)
 {
@@ -67,7 +72,7 @@ TopoDS_Shape ExtendedTo(const gp_Pnt& target, const TopoDS_Edge& edge, bool atEn
 TopoDS_Shape CurveOp::ExtendCurve(const TopoDS_Shape& curve, double distance, bool atEnd)
 {
   const TopoDS_Edge edge = Orvex::ToEdge(curve);
-  if (edge.IsNull() || !(distance > 0) || !Orvex::IsFinite(distance))
+  if (!IsSound(edge) || !(distance > 0) || !Orvex::IsFinite(distance))
     return {};
   const BRepAdaptor_Curve adaptor(edge);
   if (adaptor.GetType() == GeomAbs_Line)
@@ -85,8 +90,7 @@ TopoDS_Shape CurveOp::TrimCurve(const TopoDS_Shape& curve, double first, double 
 {
   constexpr double kNothing = 1e-7;
   const TopoDS_Edge edge = Orvex::ToEdge(curve);
-  // The kernel never ends with what is no number.
-  if (edge.IsNull() || std::isnan(first) || std::isnan(last))
+  if (!IsSound(edge) || std::isnan(first) || std::isnan(last))
     return {};
   const BRepAdaptor_Curve adaptor(edge);
   const auto clamped = [&](double parameter) {

@@ -1,7 +1,7 @@
 // The general fuses of OrvexGeometryOp.
 #include "operations/OrvexGeometryOp.h"
 
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BOPAlgo_Builder.hxx>

@@ -1,14 +1,13 @@
 // The unions of OrvexGeometryOp that also take the section of their operands.
 #include "operations/OrvexGeometryOp.h"
 
+#include "kernel/internal/CurveShapes.h"
 #include "kernel/internal/OperandKeeping.h"
 #include "operations/internal/SimulationDump.h"
 
 #include <BRepBuilderAPI_Copy.hxx>
 #include <BRepBuilderAPI_MakeWire.hxx>
 #include <BRepLib_MakeFace.hxx>
-#include <TopExp_Explorer.hxx>
-#include <TopoDS.hxx>
 
 namespace {
 
@@ -28,18 +27,10 @@ TopoDS_Shape FuseOrNull(const TopoDS_Shape* first, const TopoDS_Shape* second)
   return Orvex::BooleanOf(BOPAlgo_FUSE, *first, *second);
 }
 
-std::vector<TopoDS_Edge> EdgesOf(const TopoDS_Shape& shape)
-{
-  std::vector<TopoDS_Edge> edges;
-  for (TopExp_Explorer edge(shape, TopAbs_EDGE); edge.More(); edge.Next())
-    edges.push_back(TopoDS::Edge(edge.Current()));
-  return edges;
-}
-
 TopoDS_Shape FaceSpannedBy(const TopoDS_Shape& section)
 {
   BRepBuilderAPI_MakeWire wire;
-  for (const TopoDS_Edge& edge : EdgesOf(section))
+  for (const TopoDS_Edge& edge : Orvex::EdgesOf(section))
     wire.Add(edge);
   return BRepLib_MakeFace(wire.Wire(), false).Face();
 }
@@ -88,7 +79,7 @@ bool OrvexGeometryOp::PerformNoneRegularUniteForSimulation(const TopoDS_Shape* f
   const TopoDS_Shape fused = FuseOrNull(first, second);
   if (!section.IsNull()) {
     Orvex::DumpSimulationUnion(*first, *second, fused);
-    std::vector<TopoDS_Edge> edges = EdgesOf(section);
+    std::vector<TopoDS_Edge> edges = Orvex::EdgesOf(section);
     CreateFacesByEdgesWrapGroup(edges, faces);
   }
   // Last: the caller may hand in one of the operands.

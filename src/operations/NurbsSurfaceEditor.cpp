@@ -1,6 +1,6 @@
 #include "operations/NurbsSurfaceEditor.h"
 
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepTools.hxx>

@@ -1,6 +1,7 @@
 // The faces that OrvexGeometryOp spans by the edges of a section.
 #include "operations/OrvexGeometryOp.h"
 
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepBuilderAPI_MakeFace.hxx>
@@ -88,6 +89,8 @@ TopoDS_Shape FilledThrough(const TopoDS_Wire& loop)
 TopoDS_Shape FaceIn(const TopoDS_Wire& loop)
 {
   try {
+    if (Orvex::HasTornEdge(loop))
+      return {};
     BRepBuilderAPI_MakeFace face(loop, false);
     const TopoDS_Shape made = face.IsDone() ? face.Shape() : FilledThrough(loop);
     return !made.IsNull() && BRepCheck_Analyzer(made).IsValid() ? made : TopoDS_Shape();
@@ -101,7 +104,7 @@ std::vector<TopoDS_Edge> CopiesOf(const std::vector<TopoDS_Edge>& edges)
   Orvex::TopologyCopier copier;
   std::vector<TopoDS_Edge> copies;
   for (const TopoDS_Edge& edge : edges)
-    if (!edge.IsNull())
+    if (!edge.IsNull() && Orvex::HasFinitePlaces(edge))
       copies.push_back(TopoDS::Edge(copier.Copy(edge)));
   return copies;
 }

@@ -1,7 +1,7 @@
 // The sweeps of OrvexGeometryOp.
 #include "operations/OrvexGeometryOp.h"
 
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepBuilderAPI_MakeEdge.hxx>
@@ -24,6 +24,8 @@ TopoDS_Shape PrismOf(const TopoDS_Wire& wire, const gp_Dir& direction, double le
   // nobody can measure: that never ends.
   if (!Orvex::IsFinite(length))
     throw Standard_ConstructionError("the length of a sweep is no finite number");
+  if (!Orvex::HasFinitePlaces(wire) || Orvex::HasTornEdge(wire))
+    throw StdFail_NotDone("the section does not close");
   BRepBuilderAPI_MakeFace face(wire, false);
   // The kernel gives a null face without a word, and does not survive the prism of one.
   if (!face.IsDone())

@@ -1,7 +1,7 @@
 // The offset of OrvexGeometryOp.
 #include "operations/OrvexGeometryOp.h"
 
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepOffsetAPI_MakeOffsetShape.hxx>

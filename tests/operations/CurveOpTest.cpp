@@ -149,9 +149,11 @@ TEST(CurveOp, WhatIsNoPlaneWireIsNotOffset)
   const TopoDS_Shape vertex = TopExp_Explorer(Square(1), TopAbs_VERTEX).Current();
   TopoDS_Wire empty;
   BRep_Builder().MakeWire(empty);
+  BRepBuilderAPI_MakeWire twice(Circle(0.2));
+  twice.Add(TopoDS::Edge(TopExp_Explorer(twice.Wire(), TopAbs_EDGE).Current()));
   for (const TopoDS_Shape& shape :
        {space, vertex, TopoDS_Shape(empty), TopoDS_Shape(CompoundOf({Square(1)})), TopoDS_Shape(),
-        TopoDS_Shape(Line(1)), TopoDS_Shape(Circle(1e10))})
+        TopoDS_Shape(Line(1)), TopoDS_Shape(Circle(1e10)), TopoDS_Shape(twice.Wire())})
     EXPECT_TRUE(CurveOp::OffsetCurve(shape, 1).IsNull());
   for (const double distance : {kNaN, kInfinity, -kInfinity})
     EXPECT_TRUE(CurveOp::OffsetCurve(Square(1), distance).IsNull());

@@ -1,6 +1,6 @@
 #include "kernel/internal/OperandKeeping.h"
 
-#include "kernel/internal/FiniteNumbers.h"
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
 #include <BRepAlgoAPI_Section.hxx>

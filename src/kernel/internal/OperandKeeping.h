@@ -23,7 +23,7 @@ namespace Orvex {
 using BooleanSetup = std::function<void(BRepAlgoAPI_BooleanOperation&)>;
 
 // The boolean of two shapes, with the kernel's default options unless `setup` sets others.
-// Returns: null if the kernel cannot do it, or might not come to an end: see FiniteNumbers.h.
+// Returns: null if the kernel cannot do it, or might not come to an end: see KernelLimits.h.
 // Errors: Standard_Failure passes.
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup = {});
