@@ -53,9 +53,7 @@ TopoDS_Edge Bezier(const std::vector<gp_Pnt>& points)
 
 TopoDS_Wire Square(double size)
 {
-  return BRepBuilderAPI_MakePolygon(gp_Pnt(0, 0, 0), gp_Pnt(size, 0, 0), gp_Pnt(size, size, 0),
-                                    gp_Pnt(0, size, 0), true)
-    .Wire();
+  return TopoDS::Wire(TopExp_Explorer(SquareAt(0, 0, 0, size), TopAbs_WIRE).Current());
 }
 
 TopoDS_Compound CompoundOf(const std::vector<TopoDS_Shape>& shapes)

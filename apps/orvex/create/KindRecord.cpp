@@ -31,7 +31,7 @@ QString FieldText(const QJsonArray& fields, const QJsonValue& field)
   const QString range = field["range"]["text"].toString();
   QString text =
     Column(fields, field, "name") + Column(fields, field, "type") + Column(fields, field, "unit");
-  if (range != QStringLiteral("any"))
+  if (!range.isEmpty() && range != QStringLiteral("any"))
     text += range.leftJustified(12);
   if (const QJsonValue preset = field["default"]; !preset.isUndefined())
     text += QStringLiteral("default ") + ValueText(preset) + QStringLiteral("  ");
