@@ -102,6 +102,16 @@ TEST_F(SimulationUnion, GivesTheUnionTheFacesOfTheSectionAndTheDumps)
   EXPECT_TRUE(Op::PerformNoneRegularUniteForSimulation(&box, &peg, result, faces));
 }
 
+// Equal pipes: two ellipses that cross each other, in pieces.
+TEST_F(SimulationUnion, ASectionThatBranchesSpansItsPlaneFaces)
+{
+  const TopoDS_Shape pipe = BRepPrimAPI_MakeCylinder(gp_Ax2(gp_Pnt(0, 0, -10), gp::DZ()), 4, 20),
+                     other = BRepPrimAPI_MakeCylinder(gp_Ax2(gp_Pnt(-10, 0, 0), gp::DX()), 4, 20);
+  EXPECT_TRUE(Op::PerformNoneRegularUniteForSimulation(&pipe, &other, result, faces));
+  EXPECT_EQ(faces.size(), 2U);
+  EXPECT_NEAR(TotalAreaOf(faces), 2 * M_PI * 4 * 4 * std::sqrt(2.0), 1e-5);
+}
+
 TEST_F(SimulationUnion, ShapesThatDoNotMeetAreFusedAndNotDumped)
 {
   const TopoDS_Shape apart = BoxAt(50, 0, 0), none;
