@@ -214,7 +214,7 @@ TEST(FacesOfEdges, LoopsComeTogetherWhateverTheirOrder)
          {{a, b, c, d}, 1, 36},
          {{c, circle(50, 1), a, d, circle(60, 2), b}, 3, 36 + 5 * M_PI},
          {{circle(0, 1), circle(0, 2)}, 2, 5 * M_PI},
-         {{circle(0, 1), line(1, 0, 3, 0), circle(9, 1)}, 1, M_PI},         // the first has a tail
+         {{circle(0, 1), line(1, 0, 3, 0), circle(9, 1)}, 2, 2 * M_PI},     // the first has a tail
          {{line(0, 0, 6, 6), line(6, 6, 6, 0), line(6, 0, 0, 6), d}, 0, 0}, // crosses itself
          {{circle(0, 1e9)}, 0, 0},                                          // does not close
          {{none, a, b, c}, 0, 0},
