@@ -160,7 +160,8 @@ public:
   // An edge that is closed and that its successor does not go on from is a loop of its own; all
   // others are joined by their ends to loops, whatever their order. Each closed loop spans one
   // face: on the surface that its edges lie on, plane or not, or else a filled one through them.
-  // Loops of which the kernel makes no valid face, such as self-crossing ones, span none.
+  // What is left, since it branches, spans the plane faces inside its edges. Loops of which the
+  // kernel makes no valid face, such as self-crossing ones, span none.
   // Caveat: a loop inside another one makes no hole there; each has its own face.
   static void CreateFacesByEdgesWrapGroup(std::vector<TopoDS_Edge>& edges,
                                           std::vector<TopoDS_Face>& faces);

@@ -4,17 +4,20 @@
 #include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
+#include <BOPAlgo_Tools.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepBuilderAPI_MakeWire.hxx>
 #include <BRepCheck_Analyzer.hxx>
 #include <BRepCheck_Wire.hxx>
 #include <BRepOffsetAPI_MakeFilling.hxx>
+#include <BRep_Builder.hxx>
 #include <ShapeAnalysis_Edge.hxx>
 #include <ShapeAnalysis_FreeBounds.hxx>
 #include <Standard_Failure.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_HSequenceOfShape.hxx>
 #include <TopoDS.hxx>
+#include <TopoDS_Compound.hxx>
 
 namespace {
 
@@ -59,21 +62,21 @@ std::vector<TopoDS_Wire> ChainsOf(const std::vector<TopoDS_Edge>& edges)
   return wires;
 }
 
-std::vector<TopoDS_Wire> LoopsOf(const std::vector<TopoDS_Edge>& edges)
+// First the closed edges that are loops by themselves, then the chains of all others.
+std::vector<TopoDS_Wire> LoopsAndChainsOf(const std::vector<TopoDS_Edge>& edges)
 {
   const std::vector<bool> ends = GroupEnds(edges);
-  std::vector<TopoDS_Wire> loops;
+  std::vector<TopoDS_Wire> wires;
   std::vector<TopoDS_Edge> others;
   for (std::size_t i = 0; i < edges.size(); ++i) {
     if (ends[i])
-      loops.push_back(BRepBuilderAPI_MakeWire(edges[i]).Wire());
+      wires.push_back(BRepBuilderAPI_MakeWire(edges[i]).Wire());
     else
       others.push_back(edges[i]);
   }
   for (const TopoDS_Wire& chain : ChainsOf(others))
-    if (IsClosed(chain))
-      loops.push_back(chain);
-  return loops;
+    wires.push_back(chain);
+  return wires;
 }
 
 TopoDS_Shape FilledThrough(const TopoDS_Wire& loop)
@@ -85,15 +88,28 @@ TopoDS_Shape FilledThrough(const TopoDS_Wire& loop)
   return filling.IsDone() ? filling.Shape() : TopoDS_Shape();
 }
 
-// Null for a loop that spans none.
+// Null for a wire that spans none.
 TopoDS_Shape FaceIn(const TopoDS_Wire& loop)
 {
   try {
-    if (Orvex::HasTornEdge(loop))
+    if (!IsClosed(loop) || Orvex::HasTornEdge(loop))
       return {};
     BRepBuilderAPI_MakeFace face(loop, false);
     const TopoDS_Shape made = face.IsDone() ? face.Shape() : FilledThrough(loop);
     return !made.IsNull() && BRepCheck_Analyzer(made).IsValid() ? made : TopoDS_Shape();
+  } catch (const Standard_Failure&) {
+    return {};
+  }
+}
+
+// The faces in the planes in which wires branch: the pieces of crossing ellipses, say.
+TopoDS_Shape PlaneFacesIn(const TopoDS_Shape& wires)
+{
+  TopoDS_Shape plane, faces;
+  try {
+    const bool done = BOPAlgo_Tools::EdgesToWires(wires, plane, true) == 0 &&
+                      BOPAlgo_Tools::WiresToFaces(plane, faces);
+    return done ? faces : TopoDS_Shape();
   } catch (const Standard_Failure&) {
     return {};
   }
@@ -114,7 +130,16 @@ std::vector<TopoDS_Edge> CopiesOf(const std::vector<TopoDS_Edge>& edges)
 void OrvexGeometryOp::CreateFacesByEdgesWrapGroup(std::vector<TopoDS_Edge>& edges,
                                                   std::vector<TopoDS_Face>& faces)
 {
-  for (const TopoDS_Wire& loop : LoopsOf(CopiesOf(edges)))
-    if (const TopoDS_Shape face = FaceIn(loop); !face.IsNull())
+  TopoDS_Compound left;
+  BRep_Builder builder;
+  builder.MakeCompound(left);
+  for (const TopoDS_Wire& wire : LoopsAndChainsOf(CopiesOf(edges))) {
+    if (const TopoDS_Shape face = FaceIn(wire); !face.IsNull())
       faces.push_back(TopoDS::Face(face));
+    else if (!Orvex::HasTornEdge(wire))
+      builder.Add(left, wire);
+  }
+  for (TopExp_Explorer face(PlaneFacesIn(left), TopAbs_FACE); face.More(); face.Next())
+    if (BRepCheck_Analyzer(face.Current()).IsValid())
+      faces.push_back(TopoDS::Face(face.Current()));
 }

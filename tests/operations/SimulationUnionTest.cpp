@@ -102,6 +102,16 @@ TEST_F(SimulationUnion, GivesTheUnionTheFacesOfTheSectionAndTheDumps)
   EXPECT_TRUE(Op::PerformNoneRegularUniteForSimulation(&box, &peg, result, faces));
 }
 
+// Equal pipes: two ellipses that cross each other, in pieces.
+TEST_F(SimulationUnion, ASectionThatBranchesSpansItsPlaneFaces)
+{
+  const TopoDS_Shape pipe = BRepPrimAPI_MakeCylinder(gp_Ax2(gp_Pnt(0, 0, -10), gp::DZ()), 4, 20),
+                     other = BRepPrimAPI_MakeCylinder(gp_Ax2(gp_Pnt(-10, 0, 0), gp::DX()), 4, 20);
+  EXPECT_TRUE(Op::PerformNoneRegularUniteForSimulation(&pipe, &other, result, faces));
+  EXPECT_EQ(faces.size(), 2U);
+  EXPECT_NEAR(TotalAreaOf(faces), 2 * M_PI * 4 * 4 * std::sqrt(2.0), 1e-5);
+}
+
 TEST_F(SimulationUnion, ShapesThatDoNotMeetAreFusedAndNotDumped)
 {
   const TopoDS_Shape apart = BoxAt(50, 0, 0), none;
@@ -204,7 +214,7 @@ TEST(FacesOfEdges, LoopsComeTogetherWhateverTheirOrder)
          {{a, b, c, d}, 1, 36},
          {{c, circle(50, 1), a, d, circle(60, 2), b}, 3, 36 + 5 * M_PI},
          {{circle(0, 1), circle(0, 2)}, 2, 5 * M_PI},
-         {{circle(0, 1), line(1, 0, 3, 0), circle(9, 1)}, 1, M_PI},         // the first has a tail
+         {{circle(0, 1), line(1, 0, 3, 0), circle(9, 1)}, 2, 2 * M_PI},     // the first has a tail
          {{line(0, 0, 6, 6), line(6, 6, 6, 0), line(6, 0, 0, 6), d}, 0, 0}, // crosses itself
          {{circle(0, 1e9)}, 0, 0},                                          // does not close
          {{none, a, b, c}, 0, 0},

@@ -67,7 +67,12 @@ GivenParameters ReadOptions(const Operation& operation, const std::vector<std::s
   std::vector<std::string> numbers;
   for (const std::string& option : options)
     numbers.push_back(WithNumberForWord(operation, form, option));
-  return ReadParameterInput(form, numbers);
+  GivenParameters given = ReadParameterInput(form, numbers);
+  for (std::size_t i = 0; i < given.texts.size(); ++i)
+    if (!operation.options[i].words.empty() && !given.texts[i].empty())
+      given.texts[i] =
+        operation.options[i].words[static_cast<std::size_t>(std::get<int>(given.values[i]))];
+  return given;
 }
 
 void CheckFile(const Operation& operation, const std::string& path)
