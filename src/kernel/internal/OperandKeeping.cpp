@@ -1,7 +1,9 @@
 #include "kernel/internal/OperandKeeping.h"
 
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
+#include <BRepAlgoAPI_Section.hxx>
 #include <BRep_Builder.hxx>
 #include <TopoDS_Compound.hxx>
 
@@ -21,6 +23,8 @@ TopTools_ListOfShape ListOf(const TopoDS_Shape& shape)
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup)
 {
+  if (!HasFinitePlaces(first) || !HasFinitePlaces(second))
+    return {};
   TopologyCopier copier;
   // Not the constructor with two shapes: it builds at once, before any option can be set.
   BRepAlgoAPI_BooleanOperation boolean;
@@ -33,6 +37,17 @@ TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
     setup(boolean);
   boolean.Build();
   return boolean.IsDone() ? boolean.Shape() : TopoDS_Shape();
+}
+
+TopoDS_Shape SectionOf(const TopoDS_Shape& first, const TopoDS_Shape& second)
+{
+  if (!HasFinitePlaces(first) || !HasFinitePlaces(second))
+    return {};
+  TopologyCopier copier;
+  BRepAlgoAPI_Section section(copier.Copy(first), copier.Copy(second), false);
+  section.SetToFillHistory(false);
+  section.Build();
+  return section.IsDone() ? section.Shape() : TopoDS_Shape();
 }
 
 TopoDS_Shape CompoundOf(const TopoDS_Shape& first, const TopoDS_Shape& second)
