@@ -30,7 +30,8 @@ std::optional<SharedEdge> SharedEdgeOf(const TopoDS_Face& face1, const TopoDS_Fa
   TopTools_IndexedMapOfShape edges;
   TopExp::MapShapes(face1, TopAbs_EDGE, edges);
   const std::vector<TopoDS_Edge> others = EdgesOf(face2);
-  for (const TopoDS_Shape& edge : edges) {
+  for (int i = 1; i <= edges.Extent(); ++i) {
+    const TopoDS_Shape& edge = edges(i);
     const auto found = std::find_if(others.begin(), others.end(), [&](const TopoDS_Edge& other) {
       return IsSameShape(edge, other);
     });

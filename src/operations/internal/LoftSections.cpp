@@ -77,7 +77,7 @@ TopoDS_Wire MovedBy(const gp_Vec& move, const TopoDS_Wire& wire)
 {
   gp_Trsf translation;
   translation.SetTranslation(move);
-  const TopoDS_Shape moved = BRepBuilderAPI_Transform(wire, translation, true, false).Shape();
+  const TopoDS_Shape moved = BRepBuilderAPI_Transform(wire, translation, true).Shape();
   const bool isWire = !moved.IsNull() && moved.ShapeType() == TopAbs_WIRE;
   return isWire ? TopoDS::Wire(moved) : wire;
 }
