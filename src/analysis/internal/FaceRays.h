@@ -8,7 +8,6 @@
 #include <BRepAdaptor_Surface.hxx>
 #include <BRepTopAdaptor_TopolTool.hxx>
 #include <BVH_BoxSet.hxx>
-#include <IntCurveSurface_IntersectionPoint.hxx>
 #include <TopoDS_Face.hxx>
 #include <TopoDS_Shape.hxx>
 #include <gp_Lin.hxx>
@@ -22,7 +21,7 @@ namespace Orvex {
 class FaceBoxes
 {
 public:
-  explicit FaceBoxes(const TopoDS_Shape& shape);
+  explicit FaceBoxes(const TopoDS_Shape& boxed);
 
   const std::vector<TopoDS_Face>& Faces() const
   {
@@ -47,19 +46,6 @@ public:
   // The parameter of the nearest intersection with `from` < parameter < `to`, both excluded.
   std::optional<double> Nearest(const gp_Lin& ray, double from, double to);
 
-  // How a ray first meets a face.
-  struct Crossing
-  {
-    double parameter = 0;
-    // Along the outward side of the face.
-    bool isLeaving = false;
-    // Through the inside of one face, not along it and not close to a second one.
-    bool isClear = false;
-  };
-
-  // The nearest one with a parameter above `from`.
-  std::optional<Crossing> FirstCrossing(const gp_Lin& ray, double from);
-
 private:
   struct Target
   {
@@ -68,13 +54,6 @@ private:
   };
 
   Target& TargetOf(int face);
-  Crossing CrossingAt(int face, const IntCurveSurface_IntersectionPoint& point, TopAbs_State state,
-                      const gp_Lin& ray);
-
-  // Calls visit(face, point, state) for each intersection with faces whose boxes the ray meets
-  // before the limit that visit returns; the nearest boxes come first.
-  template <typename Visit>
-  void EachHit(const gp_Lin& ray, double from, double to, Visit&& visit);
 
   const FaceBoxes& boxes;
   std::vector<Target> targets;

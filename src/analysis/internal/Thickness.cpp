@@ -3,9 +3,12 @@
 #include "analysis/internal/FaceRays.h"
 #include "analysis/internal/InsideTest.h"
 #include "kernel/internal/ParallelFor.h"
+#include "kernel/internal/TopologyCopy.h"
 
 #include <BRepBndLib.hxx>
+#include <BRepLib.hxx>
 #include <Bnd_Box.hxx>
+#include <TopTools_ListOfShape.hxx>
 
 #include <algorithm>
 #include <cmath>
@@ -34,9 +37,8 @@ struct Reach
 class ThicknessMeter
 {
 public:
-  ThicknessMeter(const TopoDS_Shape& shape, bool isMadeOfClosedSolids, const FaceBoxes& boxes,
-                 const Reach& limits)
-      : rays(boxes), inside(shape, rays, isMadeOfClosedSolids), reach(limits)
+  ThicknessMeter(const TopoDS_Shape& shape, const FaceBoxes& boxes, const Reach& limits)
+      : rays(boxes), inside(shape), reach(limits)
   {}
 
   // Nothing where no material is on either side, and where a way through it does not end.
@@ -44,8 +46,8 @@ public:
   {
     const gp_Pnt plus = point.Translated(gp_Vec(normal) * reach.start);
     const gp_Pnt minus = point.Translated(gp_Vec(normal) * -reach.start);
-    const bool plusInside = inside.Holds(plus, normal);
-    const bool minusInside = inside.Holds(minus, normal.Reversed());
+    const bool plusInside = inside.Holds(plus);
+    const bool minusInside = inside.Holds(minus);
     if (!plusInside && !minusInside)
       return std::nullopt;
     const auto ahead = plusInside ? Way(plus, normal) : std::nullopt;
@@ -68,6 +70,23 @@ private:
   InsideTest inside;
   const Reach reach;
 };
+
+// A copy in which planar faces hold the curves of their edges. Of others the kernel computes them
+// anew whenever it is asked where a point lies, to the same result.
+TopoDS_Shape WithCurvesOnPlanes(const TopoDS_Shape& shape)
+{
+  TopologyCopier copier;
+  const TopoDS_Shape copy = copier.Copy(shape);
+  EachFace(copy, [](const TopoDS_Face& face, int) {
+    if (BRepAdaptor_Surface(face, false).GetType() != GeomAbs_Plane)
+      return;
+    TopTools_ListOfShape edges;
+    for (TopExp_Explorer edge(face, TopAbs_EDGE); edge.More(); edge.Next())
+      edges.Append(edge.Current());
+    BRepLib::BuildPCurveForEdgesOnPlane(edges, face);
+  });
+  return copy;
+}
 
 void Measure(ThicknessMeter& meter, int samplesPerAxis, FaceThickness& face)
 {
@@ -96,12 +115,10 @@ std::vector<FaceThickness> MeasureThickness(const TopoDS_Shape& shape, int sampl
   EachFace(shape, [&](const TopoDS_Face& face, int) {
     measured.push_back({FaceSampling(face), {}});
   });
-  const FaceBoxes boxes(shape);
+  const TopoDS_Shape target = WithCurvesOnPlanes(shape);
+  const FaceBoxes boxes(target);
   const Reach reach(box);
-  const bool closed = IsMadeOfClosedSolids(shape);
-  const auto makeMeter = [&] {
-    return std::make_unique<ThicknessMeter>(shape, closed, boxes, reach);
-  };
+  const auto makeMeter = [&] { return std::make_unique<ThicknessMeter>(target, boxes, reach); };
   ParallelFor(measured.size(), makeMeter, [&](const auto& meter, std::size_t i) {
     Measure(*meter, samplesPerAxis, measured[i]);
   });
