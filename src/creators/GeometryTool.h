@@ -10,7 +10,8 @@
 class ORVEX_API GeometryTool
 {
 public:
-  // Writes an IGES file in millimetres. A null shape writes nothing; whether the file could be
-  // written is not reported.
+  // Writes an IGES file in millimetres: the whole file takes the place of what was there, or
+  // nothing changes. A null shape writes nothing; whether the file could be written is not
+  // reported. Errors: Standard_Failure passes.
   static void SaveShapeToIgsFile(const std::string& path, const TopoDS_Shape& shape);
 };

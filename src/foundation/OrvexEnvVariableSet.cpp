@@ -45,3 +45,9 @@ bool OrvexEnvVariableSet::isReadSTEPObjectName()
 {
   return Switch("ORVEX_STEP_READ_OBJECT_NAMES", true);
 }
+
+std::string OrvexEnvVariableSet::simulationDumpFolder()
+{
+  const char* folder = std::getenv("ORVEX_SIMULATION_DUMPS");
+  return folder == nullptr ? std::string() : folder;
+}

@@ -1,10 +1,12 @@
-// Switches that the environment sets. Each is looked up at every call.
+// What the environment sets. Each is looked up at every call.
 //
-// "1", "true", "yes" and "on" switch on, "0", "false", "no" and "off" switch off, in any case;
-// any other value, and an unset variable, leave the default.
+// Of the switches "1", "true", "yes" and "on" switch on, "0", "false", "no" and "off" switch off,
+// in any case; any other value, and an unset variable, leave the default.
 #pragma once
 
 #include "foundation/Export.h"
+
+#include <string>
 
 class ORVEX_FOUNDATION_API OrvexEnvVariableSet
 {
@@ -20,4 +22,8 @@ public:
   // ORVEX_STEP_READ_OBJECT_NAMES, default on: the plain STEP reader names shapes after the
   // objects in the file instead of numbering them.
   static bool isReadSTEPObjectName();
+
+  // ORVEX_SIMULATION_DUMPS, default none: the folder for the IGES files that the union for
+  // simulation leaves behind. Empty if it is not set.
+  static std::string simulationDumpFolder();
 };

@@ -1,12 +1,13 @@
 #include "parameters/GlobalParaMeterMgr.h"
 
+#include "kernel/internal/FileReplacement.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-#include <QSaveFile>
 
 #include <optional>
 
@@ -38,17 +39,6 @@ std::optional<QJsonArray> ReadArray(QFile& file)
   if (content.size() > GlobalParaMeterMgr::kLargestFile || !document.isArray())
     return std::nullopt;
   return document.array();
-}
-
-bool ReplaceFile(const QString& path, const QByteArray& content)
-{
-  QSaveFile file(path);
-  if (content.size() > GlobalParaMeterMgr::kLargestFile || !file.open(QIODevice::WriteOnly))
-    return false;
-  // On a full disk the last write is short, which QSaveFile::commit does not count as an error.
-  if (file.write(content) != content.size())
-    file.cancelWriting();
-  return file.commit();
 }
 
 QVariant BooleanOf(const ParametersDef& definition)
@@ -182,6 +172,7 @@ bool GlobalParaMeterMgr::SaveToFile(const QString& path, QString* error)
   QJsonArray array;
   for (const auto& [name, definition] : m_nameMapParameters)
     array.append(ToJson(name, definition));
-  const bool replaced = ReplaceFile(path, QJsonDocument(array).toJson(QJsonDocument::Indented));
+  const QByteArray content = QJsonDocument(array).toJson(QJsonDocument::Indented);
+  const bool replaced = content.size() <= kLargestFile && Orvex::ReplaceFile(path, content);
   return replaced || Fail(error, "Cannot write parameters file: %1", path);
 }

@@ -28,11 +28,11 @@ inline TopoDS_Shape BoxAt(double x, double y, double z, double size = 10)
   return BRepPrimAPI_MakeBox(gp_Pnt(x, y, z), size, size, size).Shape();
 }
 
-inline TopoDS_Shape SquareAt(double x, double y, double z)
+inline TopoDS_Shape SquareAt(double x, double y, double z, double size = 10)
 {
-  return BRepBuilderAPI_MakeFace(BRepBuilderAPI_MakePolygon(gp_Pnt(x, y, z), gp_Pnt(x + 10, y, z),
-                                                            gp_Pnt(x + 10, y + 10, z),
-                                                            gp_Pnt(x, y + 10, z), true)
+  return BRepBuilderAPI_MakeFace(BRepBuilderAPI_MakePolygon(gp_Pnt(x, y, z), gp_Pnt(x + size, y, z),
+                                                            gp_Pnt(x + size, y + size, z),
+                                                            gp_Pnt(x, y + size, z), true)
                                    .Wire())
     .Shape();
 }

@@ -36,20 +36,20 @@
 
 namespace OrvexTest {
 
-inline TopoDS_Shape Box()
+inline TopoDS_Shape BoxSolid()
 {
   return BRepPrimAPI_MakeBox(10, 20, 30).Shape();
 }
 
-inline TopoDS_Shape Cylinder(double radius = 4)
+inline TopoDS_Shape CylinderSolid(double radius = 4)
 {
   return BRepPrimAPI_MakeCylinder(radius, 9).Shape();
 }
 
-inline TopoDS_Shape HoledBox()
+inline TopoDS_Shape HoledBoxSolid()
 {
   const gp_Ax2 axis(gp_Pnt(5, 10, -1), gp::DZ());
-  return BRepAlgoAPI_Cut(Box(), BRepPrimAPI_MakeCylinder(axis, 2, 40).Shape()).Shape();
+  return BRepAlgoAPI_Cut(BoxSolid(), BRepPrimAPI_MakeCylinder(axis, 2, 40).Shape()).Shape();
 }
 
 // A patch of a surface: a small range that every kind has.
@@ -160,9 +160,9 @@ inline TopoDS_Shape LoftedSolid()
 
 inline std::vector<TopoDS_Shape> GoldenShapes()
 {
-  return {Box(),
-          HoledBox(),
-          Cylinder(),
+  return {BoxSolid(),
+          HoledBoxSolid(),
+          CylinderSolid(),
           BRepPrimAPI_MakeSphere(5).Shape(),
           BRepPrimAPI_MakeTorus(9, 2).Shape(),
           RevolvedSolid(),

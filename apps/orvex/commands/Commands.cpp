@@ -8,6 +8,7 @@ std::span<const Command> AllCommands()
     {"history", "How a saved document was made: its features in order", DeclareHistory},
     {"info", "What is in a file: structure, names, colours, parameters, counts, size", DeclareInfo},
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
+    {"op", "Run a modelling operation on shapes from files", DeclareOp},
     {"rebuild", "Change parameters of a saved document and rebuild what depends on them",
      DeclareRebuild},
     {"replay", "Plans and scripts that rebuild a STEP model", DeclareReplay},

@@ -10,6 +10,7 @@ std::span<const Command> AllCommands();
 Action DeclareHistory(CLI::App& options);
 Action DeclareInfo(CLI::App& options);
 Action DeclareNew(CLI::App& options);
+Action DeclareOp(CLI::App& options);
 Action DeclareRebuild(CLI::App& options);
 Action DeclareReplay(CLI::App& options);
 Action DeclareVersion(CLI::App& options);

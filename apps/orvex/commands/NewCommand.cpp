@@ -46,17 +46,6 @@ ExitCode List(const NewOptions& options, Session& session)
   return ExitCode::Done;
 }
 
-FileFormat OutputFormat(const std::string& path)
-{
-  if (const auto format = FormatOfName(path))
-    return *format;
-  throw Failure{ExitCode::Usage,
-                TextFromBytes(path),
-                {},
-                QStringLiteral("the ending tells no format to write"),
-                QStringLiteral("one of %1").arg(QLatin1String(kEndings))};
-}
-
 QJsonObject MakeInWorker(const NewShape& wanted, const std::optional<WriteTarget>& target,
                          double stallLimitSeconds, Session& session)
 {
@@ -69,13 +58,14 @@ QJsonObject MakeInWorker(const NewShape& wanted, const std::optional<WriteTarget
     return MakeShape(wanted, target);
   };
   return ResultOfWorker(job, limits, progress,
-                        {ExitCode::KernelFailure, subject, "made", "making", GivenText(wanted),
-                         AllowedText(*wanted.kind)});
+                        {ExitCode::KernelFailure, subject, "made", "making",
+                         GivenText(*wanted.kind, wanted), AllowedText(*wanted.kind)});
 }
 
 ExitCode Make(const NewOptions& options, Session& session)
 {
-  const NewShape wanted = ReadParameterInput(KindNamed(options.kind), options.parameters);
+  const ShapeKind& kind = KindNamed(options.kind);
+  const NewShape wanted{ReadParameterInput(kind, options.parameters), &kind};
   std::optional<PendingFile> file;
   std::optional<WriteTarget> target;
   if (!options.output.empty()) {

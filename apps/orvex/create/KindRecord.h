@@ -3,6 +3,7 @@
 
 #include "creators/ShapeKind.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 
@@ -13,5 +14,11 @@ QJsonObject KindJson(const ShapeKind& kind);
 
 // Takes such an entry.
 QString KindText(const QJsonObject& kind);
+
+// An entry of "parameters" there.
+QJsonObject FieldJson(const ParameterField& field);
+
+// Takes all such entries of one kind: a line for each. An entry may have a "help" besides.
+QString FieldsText(const QJsonArray& fields);
 
 } // namespace Orvex::Cli

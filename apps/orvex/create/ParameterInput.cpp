@@ -4,6 +4,7 @@
 #include "frame/Text.h"
 #include "info/InputCheck.h"
 #include "model/ParameterRecord.h"
+#include "model/ShapeFiles.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -29,19 +30,19 @@ QString Quoted(const std::string& text)
   return QStringLiteral("\"%1\"").arg(Shortened(TextFromBytes(text), kLongestText));
 }
 
-Failure Wrong(const ShapeKind& kind, const QString& entity, const QString& reason,
+Failure Wrong(const ParameterForm& form, const QString& entity, const QString& reason,
               const QString& advice)
 {
-  return {ExitCode::Usage, TextFromBytes(kind.word), entity, reason, advice};
+  return {ExitCode::Usage, TextFromBytes(form.word), entity, reason, advice};
 }
 
-Failure WrongValue(const ShapeKind& kind, const ParameterField& field, const std::string& text,
+Failure WrongValue(const ParameterForm& form, const ParameterField& field, const std::string& text,
                    const QString& problem)
 {
   QString allowed = QStringLiteral("allowed: ") + AllowedText(field);
-  if (kind.condition != nullptr)
-    allowed += QStringLiteral("; ") + TextFromBytes(kind.condition);
-  return Wrong(kind, TextFromBytes(field.name), Quoted(text) + u' ' + problem, allowed);
+  if (form.condition != nullptr)
+    allowed += QStringLiteral("; ") + TextFromBytes(form.condition);
+  return Wrong(form, TextFromBytes(field.name), Quoted(text) + u' ' + problem, allowed);
 }
 
 // What a value may fail by.
@@ -138,13 +139,13 @@ struct FromText
   }
 };
 
-void CheckFileOf(const ShapeKind& kind, const ParameterField& field, const std::string& text)
+void CheckFileOf(const ParameterForm& form, const ParameterField& field, const std::string& text)
 {
   if (!std::holds_alternative<TopoDS_Shape>(field.initial))
     return;
   if (auto problem = CheckInput(text, *FormatOfName(text))) {
     problem->reason = problem->subject + QStringLiteral(": ") + problem->reason;
-    problem->subject = TextFromBytes(kind.word);
+    problem->subject = TextFromBytes(form.word);
     problem->entity = TextFromBytes(field.name);
     throw *problem;
   }
@@ -157,41 +158,40 @@ QString Simplified(const QString& name)
   return simple;
 }
 
-QString KnownNames(const ShapeKind& kind)
+QString KnownNames(const ParameterForm& form)
 {
   QStringList names;
-  for (const ParameterField& field : kind.fields)
+  for (const ParameterField& field : form.fields)
     names.append(TextFromBytes(field.name));
   return names.join(QStringLiteral(", "));
 }
 
-void Take(NewShape& shape, const std::string& input)
+void Take(const ParameterForm& form, GivenParameters& given, const std::string& input)
 {
   const std::size_t equals = input.find('=');
   if (equals == std::string::npos)
-    throw Wrong(*shape.kind, {}, QStringLiteral("%1 is no name=value").arg(Quoted(input)),
-                QStringLiteral("its parameters: ") + KnownNames(*shape.kind));
-  const std::size_t index = FieldNamed(*shape.kind, input.substr(0, equals));
-  const ParameterField& field = shape.kind->fields[index];
+    throw Wrong(form, {}, QStringLiteral("%1 is no name=value").arg(Quoted(input)),
+                QStringLiteral("its parameters: ") + KnownNames(form));
+  const std::size_t index = FieldNamed(form, input.substr(0, equals));
+  const ParameterField& field = form.fields[index];
   const std::string text = input.substr(equals + 1);
-  if (!shape.texts[index].empty())
-    throw Wrong(*shape.kind, TextFromBytes(field.name), QStringLiteral("is given twice"), {});
-  shape.values[index] = ValueOf(*shape.kind, field, text);
-  CheckFileOf(*shape.kind, field, text);
-  shape.texts[index] = text;
+  if (!given.texts[index].empty())
+    throw Wrong(form, TextFromBytes(field.name), QStringLiteral("is given twice"), {});
+  given.values[index] = ValueOf(form, field, text);
+  CheckFileOf(form, field, text);
+  given.texts[index] = text;
 }
 
-void RequireComplete(const NewShape& shape)
+void RequireComplete(const ParameterForm& form, const GivenParameters& given)
 {
   QStringList missing;
-  for (std::size_t i = 0; i < shape.texts.size(); ++i) {
-    const ParameterField& field = shape.kind->fields[i];
-    if (shape.texts[i].empty() && !field.preset)
+  for (std::size_t i = 0; i < given.texts.size(); ++i) {
+    const ParameterField& field = form.fields[i];
+    if (given.texts[i].empty() && !field.preset)
       missing.append(QStringLiteral("%1 (%2)").arg(TextFromBytes(field.name), AllowedText(field)));
   }
   if (!missing.isEmpty())
-    throw Wrong(*shape.kind, {}, QStringLiteral("missing: ") + missing.join(QStringLiteral(", ")),
-                {});
+    throw Wrong(form, {}, QStringLiteral("missing: ") + missing.join(QStringLiteral(", ")), {});
 }
 
 QString RangeText(const ParameterField& field)
@@ -220,43 +220,55 @@ const ShapeKind& KindNamed(const std::string& word)
                 QStringLiteral("the kinds: ") + words.join(QStringLiteral(", "))};
 }
 
-std::size_t FieldNamed(const ShapeKind& kind, const std::string& name)
+std::size_t FieldNamed(const ParameterForm& form, const std::string& name)
 {
   const QString simple = Simplified(TextFromBytes(name));
   const auto found =
-    std::find_if(kind.fields.begin(), kind.fields.end(), [&simple](const ParameterField& field) {
+    std::find_if(form.fields.begin(), form.fields.end(), [&simple](const ParameterField& field) {
       return Simplified(TextFromBytes(field.name)) == simple;
     });
-  if (found == kind.fields.end())
-    throw Wrong(kind, {}, QStringLiteral("has no parameter %1").arg(Quoted(name)),
-                QStringLiteral("its parameters: ") + KnownNames(kind));
-  return static_cast<std::size_t>(found - kind.fields.begin());
+  if (found == form.fields.end())
+    throw Wrong(form, {}, QStringLiteral("has no parameter %1").arg(Quoted(name)),
+                form.fields.empty() ? QString()
+                                    : QStringLiteral("its parameters: ") + KnownNames(form));
+  return static_cast<std::size_t>(found - form.fields.begin());
 }
 
-ParameterValue ValueOf(const ShapeKind& kind, const ParameterField& field, const std::string& text)
+ParameterValue ValueOf(const ParameterForm& form, const ParameterField& field,
+                       const std::string& text)
 {
   try {
     return std::visit(FromText{QByteArray::fromStdString(text), field.range}, field.initial);
   } catch (const NotOfType&) {
-    throw WrongValue(kind, field, text,
+    throw WrongValue(form, field, text,
                      QStringLiteral("is no %1")
                        .arg(std::holds_alternative<double>(field.initial)
                               ? QStringLiteral("number")
                               : TypeWord(field.initial)));
   } catch (const OutOfRange&) {
-    throw WrongValue(kind, field, text, QStringLiteral("is out of range"));
+    throw WrongValue(form, field, text, QStringLiteral("is out of range"));
   }
 }
 
-NewShape ReadParameterInput(const ShapeKind& kind, const std::vector<std::string>& inputs)
+GivenParameters ReadParameterInput(const ParameterForm& form,
+                                   const std::vector<std::string>& inputs)
 {
-  NewShape shape{&kind, {}, std::vector<std::string>(kind.fields.size())};
-  for (const ParameterField& field : kind.fields)
-    shape.values.push_back(field.preset.value_or(field.initial));
+  GivenParameters given{{}, std::vector<std::string>(form.fields.size())};
+  for (const ParameterField& field : form.fields)
+    given.values.push_back(field.preset.value_or(field.initial));
   for (const std::string& input : inputs)
-    Take(shape, input);
-  RequireComplete(shape);
-  return shape;
+    Take(form, given, input);
+  RequireComplete(form, given);
+  return given;
+}
+
+ParameterSet ValuesWithShapes(const GivenParameters& given)
+{
+  ParameterSet values = given.values;
+  for (std::size_t i = 0; i < values.size(); ++i)
+    if (std::holds_alternative<TopoDS_Shape>(values[i]) && !given.texts[i].empty())
+      values[i] = ReadOperand(given.texts[i]);
+  return values;
 }
 
 QString AllowedText(const ParameterField& field)
@@ -264,25 +276,24 @@ QString AllowedText(const ParameterField& field)
   return (WrittenForm(field.initial) + u' ' + RangeText(field)).trimmed();
 }
 
-QString AllowedText(const ShapeKind& kind)
+QString AllowedText(const ParameterForm& form)
 {
   QStringList parts;
-  for (const ParameterField& field : kind.fields)
+  for (const ParameterField& field : form.fields)
     if (field.range.Text() != "any")
       parts.append(TextFromBytes(field.name) + u' ' + RangeText(field));
   QString text = parts.join(QStringLiteral(", "));
-  if (kind.condition != nullptr)
-    text += (text.isEmpty() ? QString() : QStringLiteral("; ")) + TextFromBytes(kind.condition);
+  if (form.condition != nullptr)
+    text += (text.isEmpty() ? QString() : QStringLiteral("; ")) + TextFromBytes(form.condition);
   return text.isEmpty() ? text : QStringLiteral("allowed: ") + text;
 }
 
-QString GivenText(const NewShape& shape)
+QString GivenText(const ParameterForm& form, const GivenParameters& given)
 {
   QStringList parts;
-  for (std::size_t i = 0; i < shape.texts.size(); ++i)
-    if (!shape.texts[i].empty())
-      parts.append(TextFromBytes(shape.kind->fields[i].name) + u'=' +
-                   TextFromBytes(shape.texts[i]));
+  for (std::size_t i = 0; i < given.texts.size(); ++i)
+    if (!given.texts[i].empty())
+      parts.append(TextFromBytes(form.fields[i].name) + u'=' + TextFromBytes(given.texts[i]));
   return Shortened(parts.join(QStringLiteral(", ")), kLongestList);
 }
 

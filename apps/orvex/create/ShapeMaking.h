@@ -2,21 +2,13 @@
 #pragma once
 
 #include "create/ParameterInput.h"
-#include "model/FileFormat.h"
+#include "model/ShapeFiles.h"
 
 #include <QJsonObject>
 
 #include <optional>
-#include <string>
 
 namespace Orvex::Cli {
-
-struct WriteTarget
-{
-  FileFormat format;
-  std::string path; // where to write
-  std::string name; // what the user calls it
-};
 
 // Makes the shape, checks that it is sound and writes it if there is a target.
 //

@@ -76,6 +76,21 @@ bool WriteIges(const TopoDS_Shape& shape, const std::string& path)
   return writer.Write(path.c_str());
 }
 
+bool Write(const TDF_Label& label, FileFormat format, const std::string& path)
+{
+  const TopoDS_Shape shape = XCAFDoc_ShapeTool::GetShape(label);
+  switch (format) {
+  case FileFormat::Step:
+    return WriteStep(label, path);
+  case FileFormat::Iges:
+    return WriteIges(shape, path);
+  case FileFormat::Document:
+    return SaveDocument(TDocStd_Document::Get(label), path);
+  default:
+    return BRepTools::Write(shape, path.c_str(), false, false, TopTools_FormatVersion_CURRENT);
+  }
+}
+
 } // namespace
 
 TopoDS_Shape ReadBrep(const std::string& path)
@@ -104,26 +119,35 @@ IgesModel ReadIges(const std::string& path)
   return model;
 }
 
-TopoDS_Shape ReadSweepable(const std::string& path)
+TopoDS_Shape ReadOperand(const std::string& path)
 {
   if (FormatOfName(path) == FileFormat::Brep)
     return Unwrapped(ReadBrep(path));
   return Unwrapped(Joined(ReadStepShapes(path)));
 }
 
-bool WriteModel(const TDF_Label& label, FileFormat format, const std::string& path)
+FileFormat OutputFormat(const std::string& path)
 {
-  const TopoDS_Shape shape = XCAFDoc_ShapeTool::GetShape(label);
-  switch (format) {
-  case FileFormat::Step:
-    return WriteStep(label, path);
-  case FileFormat::Iges:
-    return WriteIges(shape, path);
-  case FileFormat::Document:
-    return SaveDocument(TDocStd_Document::Get(label), path);
-  default:
-    return BRepTools::Write(shape, path.c_str(), false, false, TopTools_FormatVersion_CURRENT);
+  if (const auto format = FormatOfName(path))
+    return *format;
+  throw Failure{ExitCode::Usage,
+                TextFromBytes(path),
+                {},
+                QStringLiteral("the ending tells no format to write"),
+                QStringLiteral("one of %1").arg(QLatin1String(kEndings))};
+}
+
+void WriteModel(const TDF_Label& label, const WriteTarget& target)
+{
+  bool written = false;
+  QString reason = QStringLiteral("the kernel could not write it");
+  try {
+    written = Write(label, target.format, target.path);
+  } catch (...) {
+    reason += QStringLiteral(": ") + FailureOfCurrentException(ExitCode::Partial).reason;
   }
+  if (!written)
+    throw Failure{ExitCode::Partial, TextFromBytes(target.name), {}, reason, {}};
 }
 
 } // namespace Orvex::Cli

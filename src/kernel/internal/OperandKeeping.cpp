@@ -1,14 +1,11 @@
 #include "kernel/internal/OperandKeeping.h"
 
+#include "kernel/internal/KernelLimits.h"
 #include "kernel/internal/TopologyCopy.h"
 
+#include <BRepAlgoAPI_Section.hxx>
 #include <BRep_Builder.hxx>
-#include <BRep_Tool.hxx>
-#include <TopExp_Explorer.hxx>
-#include <TopoDS.hxx>
 #include <TopoDS_Compound.hxx>
-
-#include <cmath>
 
 namespace Orvex {
 
@@ -21,26 +18,12 @@ TopTools_ListOfShape ListOf(const TopoDS_Shape& shape)
   return list;
 }
 
-// The kernel's search for intersections does not end, or ends the process, on points that are no
-// numbers or so large that their squares come near the end of the numbers.
-bool IsWithinSpace(const TopoDS_Shape& shape)
-{
-  constexpr double kFarthest = 1e50;
-  const auto isFinite = [](double coordinate) { return std::abs(coordinate) <= kFarthest; };
-  for (TopExp_Explorer vertex(shape, TopAbs_VERTEX); vertex.More(); vertex.Next()) {
-    const gp_Pnt point = BRep_Tool::Pnt(TopoDS::Vertex(vertex.Current()));
-    if (!isFinite(point.X()) || !isFinite(point.Y()) || !isFinite(point.Z()))
-      return false;
-  }
-  return true;
-}
-
 } // namespace
 
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup)
 {
-  if (!IsWithinSpace(first) || !IsWithinSpace(second))
+  if (!HasFinitePlaces(first) || !HasFinitePlaces(second))
     return {};
   TopologyCopier copier;
   // Not the constructor with two shapes: it builds at once, before any option can be set.
@@ -54,6 +37,17 @@ TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
     setup(boolean);
   boolean.Build();
   return boolean.IsDone() ? boolean.Shape() : TopoDS_Shape();
+}
+
+TopoDS_Shape SectionOf(const TopoDS_Shape& first, const TopoDS_Shape& second)
+{
+  if (!HasFinitePlaces(first) || !HasFinitePlaces(second))
+    return {};
+  TopologyCopier copier;
+  BRepAlgoAPI_Section section(copier.Copy(first), copier.Copy(second), false);
+  section.SetToFillHistory(false);
+  section.Build();
+  return section.IsDone() ? section.Shape() : TopoDS_Shape();
 }
 
 TopoDS_Shape CompoundOf(const TopoDS_Shape& first, const TopoDS_Shape& second)

@@ -23,10 +23,16 @@ namespace Orvex {
 using BooleanSetup = std::function<void(BRepAlgoAPI_BooleanOperation&)>;
 
 // The boolean of two shapes, with the kernel's default options unless `setup` sets others.
-// Returns: null if the kernel cannot do it, or an operand has a vertex beyond 1e50.
+// Returns: null if the kernel cannot do it, or might not come to an end: see KernelLimits.h.
 // Errors: Standard_Failure passes.
 TopoDS_Shape BooleanOf(BOPAlgo_Operation operation, const TopoDS_Shape& first,
                        const TopoDS_Shape& second, const BooleanSetup& setup = {});
+
+// The edges and vertices in which two shapes meet, without curves on their surfaces; an empty
+// compound if they do not meet.
+// Returns: null as above.
+// Errors: Standard_Failure passes.
+TopoDS_Shape SectionOf(const TopoDS_Shape& first, const TopoDS_Shape& second);
 
 // Copies of both shapes side by side; the other shape itself if one is null.
 TopoDS_Shape CompoundOf(const TopoDS_Shape& first, const TopoDS_Shape& second);

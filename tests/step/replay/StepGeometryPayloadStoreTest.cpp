@@ -181,7 +181,7 @@ TEST(PayloadStore, SplineSurfacesRunAlongVInsideOfU)
 TEST(PayloadStore, ASeamIsTwoCoedgesWithTwoCurvesEach)
 {
   StepGeometryPayloadStore store;
-  store.BuildIndex(Cylinder());
+  store.BuildIndex(CylinderSolid());
   ReplayFacePayload wall;
   ASSERT_TRUE(store.ExpandFacePayload(1, wall));
   EXPECT_EQ(wall.surface.kind, "cylinder_surface");
@@ -238,7 +238,7 @@ TEST(PayloadStore, PlacesOfVerticesAreTheKernels)
 
 TEST(PayloadStore, SolidsHoldTheirShellsAndTheKernelsText)
 {
-  const TopoDS_Shape box = Box();
+  const TopoDS_Shape box = BoxSolid();
   StepGeometryPayloadStore store;
   store.BuildIndex(box);
   ReplaySolidPayload solid;
@@ -256,7 +256,7 @@ TEST(PayloadStore, SolidsHoldTheirShellsAndTheKernelsText)
 TEST(PayloadStore, JsonHasEveryKeyInOrderAndSixDigits)
 {
   StepGeometryPayloadStore store;
-  store.BuildIndex(Cylinder(1.0 / 3));
+  store.BuildIndex(CylinderSolid(1.0 / 3));
   EXPECT_THAT(KeysOf(store.ExpandCurvePayloadJson(1)),
               ElementsAre("id", "kind", "degree", "firstParameter", "lastParameter",
                           "controlPoints", "knots", "multiplicities", "weights",
@@ -309,7 +309,7 @@ TEST(PayloadStore, IdsThatNothingHasAndModelsWithoutAnythingFail)
   StepGeometryPayloadStore store;
   ReplayCurvePayload curve;
   EXPECT_FALSE(store.ExpandCurvePayload(1, curve)) << "before any index";
-  store.BuildIndex(Box());
+  store.BuildIndex(BoxSolid());
   EXPECT_TRUE(store.ExpandCurvePayload(12, curve));
   for (const ReplayId id : {ReplayId{0}, ReplayId{13}, ~ReplayId{0}}) {
     EXPECT_FALSE(store.ExpandCurvePayload(id, curve));
@@ -363,7 +363,7 @@ TEST(PayloadStore, BrokenGeometryCostsNoMoreThanItself)
 // Summary and store count alike, also over roots that share a face.
 TEST(PayloadStore, IdsAreThoseOfTheSummary)
 {
-  const TopoDS_Shape box = Box(), cylinder = Cylinder();
+  const TopoDS_Shape box = BoxSolid(), cylinder = CylinderSolid();
   TopTools_IndexedMapOfShape faces;
   TopExp::MapShapes(box, TopAbs_FACE, faces);
   const std::vector<TopoDS_Shape> roots = {faces(3), TopoDS_Shape(), cylinder, box};

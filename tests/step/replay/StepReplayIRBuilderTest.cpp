@@ -39,7 +39,7 @@ int OuterLoops(const ReplayIRSummary& summary, const ReplayFaceRecord& face)
 
 TEST(ReplaySummary, OfABoxCountsWhatABoxHas)
 {
-  const ReplayIRSummary box = SummaryOf(Box());
+  const ReplayIRSummary box = SummaryOf(BoxSolid());
   EXPECT_EQ(box.sourceName, "model");
   EXPECT_EQ(box.vertices.size(), 8U);
   EXPECT_EQ(box.curves.size(), 12U);
@@ -65,7 +65,7 @@ TEST(ReplaySummary, OfABoxCountsWhatABoxHas)
 
 TEST(ReplaySummary, OfACylinderTellsTheSeamTwice)
 {
-  const ReplayIRSummary cylinder = SummaryOf(Cylinder());
+  const ReplayIRSummary cylinder = SummaryOf(CylinderSolid());
   EXPECT_THAT(cylinder.curveHistogram, ElementsAre(Pair("circle", 2), Pair("line", 1)));
   EXPECT_THAT(cylinder.surfaceHistogram,
               ElementsAre(Pair("cylinder_surface", 1), Pair("plane", 2)));
@@ -81,7 +81,7 @@ TEST(ReplaySummary, OfACylinderTellsTheSeamTwice)
 
 TEST(ReplaySummary, AHoleIsALoopThatIsNotOuter)
 {
-  const ReplayIRSummary holed = SummaryOf(HoledBox());
+  const ReplayIRSummary holed = SummaryOf(HoledBoxSolid());
   int withHole = 0;
   for (const ReplayFaceRecord& face : holed.faces) {
     withHole += face.boundCount == 2;
@@ -171,8 +171,9 @@ TEST(ReplaySummary, JsonIsExactlyThis)
 TEST(ReplayOfReader, BothWaysToReadMakeItStale)
 {
   ScratchFile first("first.step"), second("second.step");
-  WriteFreeShapes(first, {{"box", Box()}});
-  WriteFreeShapes(second, {{"cylinder", Cylinder()}, {"ball", BRepPrimAPI_MakeSphere(2).Shape()}});
+  WriteFreeShapes(first, {{"box", BoxSolid()}});
+  WriteFreeShapes(second,
+                  {{"cylinder", CylinderSolid()}, {"ball", BRepPrimAPI_MakeSphere(2).Shape()}});
   const auto counts = [](const CStepFileReader& reader) {
     return std::vector{reader.BuildReplayIRSummary().faces.size(),
                        reader.BuildReplayFeatureCandidates().size(),
