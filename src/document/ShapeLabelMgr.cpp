@@ -1,5 +1,6 @@
 #include "document/ShapeLabelMgr.h"
 
+#include "document/DocumentCommand.h"
 #include "document/LabelScheme.h"
 #include "document/ShapeDocMgr.h"
 #include "foundation/MessageLog.h"
@@ -310,6 +311,23 @@ bool ShapeLabelMgr::GetShapeLabelWithFaceTagID(TopoDS_Shape& face, int& shapeTag
     return false;
   faceTag = sub.Tag();
   return true;
+}
+
+TDF_Label ShapeLabelMgr::RegisterSubShape(const TopoDS_Shape& shape)
+{
+  if (shape.IsNull() || FetchShapeTool().IsNull())
+    return {};
+  RefreshSubShapeMaps(myAssembly);
+  const TDF_Label main = myAssembly->FindMainShape(shape);
+  if (main.IsNull())
+    return {};
+  if (const TDF_Label known = SubShapeLabelOf(myAssembly, main, shape); !known.IsNull())
+    return known;
+  Orvex::DocumentCommand command(ShapeDocMgr::GetInstance()->GetDoc());
+  Orvex::ReserveAttributeTags(main);
+  const TDF_Label added = myAssembly->AddSubShape(main, shape);
+  command.Commit();
+  return added;
 }
 
 TopoDS_Shape ShapeLabelMgr::GetShapeByLabel(TDF_Label label)

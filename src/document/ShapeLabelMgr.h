@@ -66,6 +66,12 @@ public:
   // The tags of the two labels. False if the sub-shape has no label; the shape tag is written all
   // the same if there is a shape that it belongs to.
   bool GetShapeLabelWithFaceTagID(TopoDS_Shape& face, int& shapeTag, int& faceTag);
+  // Gives a sub-shape a label of its own under the label of the shape that it belongs to, above the
+  // tags of all attributes, so that it can be named and referred to. One undo step, or part of the
+  // one that is open.
+  // Returns: the label that it had already, if it had one; null without a document, and for what is
+  // no sub-shape of a shape there.
+  TDF_Label RegisterSubShape(const TopoDS_Shape& shape);
   TopoDS_Shape GetShapeByLabel(TDF_Label label);
   // In order, empty shapes for labels without one.
   std::vector<TopoDS_Shape> GetShapesByLabels(const std::vector<TDF_Label>& labels);

@@ -5,10 +5,13 @@ namespace Orvex::Cli {
 std::span<const Command> AllCommands()
 {
   static constexpr Command kCommands[] = {
+    {"check", "What in a model troubles meshing and machining", DeclareCheck},
+    {"compare", "Whether two models are the same for practical purposes", DeclareCompare},
     {"history", "How a saved document was made: its features in order", DeclareHistory},
     {"info", "What is in a file: structure, names, colours, parameters, counts, size", DeclareInfo},
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
     {"op", "Run a modelling operation on shapes from files", DeclareOp},
+    {"quality", "Curvature, stripes, draft, radii, thickness of a model's faces", DeclareQuality},
     {"rebuild", "Change parameters of a saved document and rebuild what depends on them",
      DeclareRebuild},
     {"replay", "Plans and scripts that rebuild a STEP model", DeclareReplay},

@@ -3,7 +3,7 @@
 #include "frame/Failure.h"
 #include "frame/OutputDescriptor.h"
 #include "frame/Text.h"
-#include "step/CStepFileReader.h"
+#include "model/StepReading.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -42,18 +42,6 @@ const std::map<ReplayForm, EntityRow> kEntity = {
   {ReplayForm::Script,   {&CStepFileReader::BuildReplayFacePythonScript, &CStepFileReader::BuildReplayShellPythonScript, &CStepFileReader::BuildReplaySolidPythonScript}},
 };
 // clang-format on
-
-void Read(CStepFileReader& reader, const std::string& path, const ProgressSink& progress)
-{
-  StepReadOptions options;
-  options.progress = [&progress](const StepProgress& step) {
-    progress({TextFromBytes(step.stage), step.fraction});
-  };
-  reader.SetInputFileName(TextFromBytes(path));
-  reader.SetReadOptions(options);
-  if (!reader.ReadSynchronously() && !reader.TryReadStepsMapNew())
-    throw Failure{ExitCode::Unreadable, TextFromBytes(path), {}, reader.GetLastError(), {}};
-}
 
 struct Counted
 {
@@ -124,7 +112,7 @@ QJsonObject ExportReplay(const std::string& path, const ReplayWish& wish, int de
                          const std::string& output, const ProgressSink& progress)
 {
   CStepFileReader reader;
-  Read(reader, path, progress);
+  ReadStep(reader, path, progress);
   progress({QStringLiteral("replay"), -1.0});
   if (wish.scope != ReplayScopeWord::Model)
     RequireEntity(reader, path, wish);
@@ -139,7 +127,7 @@ QJsonObject ExportAllScripts(const std::string& path, const std::string& folder,
                              const ProgressSink& progress)
 {
   CStepFileReader reader;
-  Read(reader, path, progress);
+  ReadStep(reader, path, progress);
   const std::size_t solids = reader.BuildReplayIRSummary().solids.size();
   QJsonArray exported;
   for (std::uint64_t id = 1; id <= solids; ++id) {

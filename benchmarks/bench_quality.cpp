@@ -1,0 +1,117 @@
+// Analyses of surfaces against the kernel's own work in the same round.
+//
+// Thickness on a plate with square rows of holes, against the plain loop: the kernel's classifier
+// and its intersector over the whole shape, at each place. On a few faces only, since the plain
+// loop grows with the square of the faces. Curvature and draft against bare evaluations of the
+// surface.
+
+#include "analysis/SurfaceQualityAnalyzer.h"
+#include "support/PlainThickness.h"
+#include "support/Plate.h"
+
+#include <BRepPrimAPI_MakeTorus.hxx>
+#include <BRep_Tool.hxx>
+#include <TopExp_Explorer.hxx>
+#include <TopoDS.hxx>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <functional>
+
+namespace {
+
+using Analyzer = SurfaceQualityAnalyzer;
+
+double SecondsOf(const std::function<void()>& work)
+{
+  const auto start = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void Compare(benchmark::State& state, const std::function<void()>& floor,
+             const std::function<void()>& ours)
+{
+  double floorSeconds = 1e30, ourSeconds = 1e30;
+  for ([[maybe_unused]] auto iteration : state) {
+    floorSeconds = std::min(floorSeconds, SecondsOf(floor));
+    const double seconds = SecondsOf(ours);
+    ourSeconds = std::min(ourSeconds, seconds);
+    state.SetIterationTime(seconds);
+  }
+  state.counters["floor_ms"] = 1e3 * floorSeconds;
+  state.counters["ratio"] = ourSeconds / floorSeconds;
+}
+
+void Thickness(benchmark::State& state)
+{
+  const TopoDS_Shape plate = OrvexTest::PerforatedPlate(static_cast<int>(state.range(0)));
+  const int samples = static_cast<int>(state.range(1));
+  Compare(
+    state,
+    [&] { benchmark::DoNotOptimize(OrvexTest::PlainThickness(plate, samples).values.size()); },
+    [&] { benchmark::DoNotOptimize(Analyzer::AnalyzeThickness(plate, samples, 10).samples); });
+  state.counters["faces"] = static_cast<double>(state.range(0) * state.range(0) + 6);
+}
+BENCHMARK(Thickness)
+  ->ArgsProduct({{5, 10, 20}, {5}})
+  ->Args({10, 10})
+  ->UseManualTime()
+  ->Unit(benchmark::kMillisecond)
+  ->Iterations(1);
+
+void ThicknessAlone(benchmark::State& state)
+{
+  const TopoDS_Shape plate = OrvexTest::PerforatedPlate(static_cast<int>(state.range(0)));
+  for ([[maybe_unused]] auto iteration : state)
+    benchmark::DoNotOptimize(Analyzer::AnalyzeThickness(plate, 10, 10).samples);
+  state.counters["us_per_sample"] =
+    benchmark::Counter(static_cast<double>((state.range(0) * state.range(0) + 6) * 100) * 1e-6,
+                       benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(ThicknessAlone)->Arg(5)->Arg(10)->Arg(20)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+TopoDS_Face Ring()
+{
+  return TopoDS::Face(TopExp_Explorer(BRepPrimAPI_MakeTorus(9, 2).Shape(), TopAbs_FACE).Current());
+}
+
+void EvaluateBare(const TopoDS_Face& face, int size, int order)
+{
+  GeomLProp_SLProps properties(BRep_Tool::Surface(face), order, 1e-6);
+  for (int i = 0; i < size; ++i)
+    for (int j = 0; j < size; ++j) {
+      properties.SetParameters(6.28 * i / (size - 1), 6.28 * j / (size - 1));
+      if (order == 2 && properties.IsCurvatureDefined())
+        benchmark::DoNotOptimize(properties.GaussianCurvature() + properties.MeanCurvature());
+      else if (properties.IsNormalDefined())
+        benchmark::DoNotOptimize(properties.Normal().X());
+    }
+}
+
+void Curvature(benchmark::State& state)
+{
+  const TopoDS_Face ring = Ring();
+  const int size = static_cast<int>(state.range(0));
+  Compare(
+    state, [&] { EvaluateBare(ring, size, 2); },
+    [&] { benchmark::DoNotOptimize(Analyzer::AnalyzeCurvatureMap(ring, size, size).valid); });
+}
+BENCHMARK(Curvature)->Arg(100)->Arg(1000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void Draft(benchmark::State& state)
+{
+  const TopoDS_Face ring = Ring();
+  const int size = static_cast<int>(state.range(0));
+  Compare(
+    state, [&] { EvaluateBare(ring, size, 1); },
+    [&] {
+      benchmark::DoNotOptimize(Analyzer::AnalyzeDraft(ring, gp::DZ(), 1, size, size, 10).valid);
+    });
+}
+BENCHMARK(Draft)->Arg(100)->Arg(1000)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+} // namespace
+
+BENCHMARK_MAIN();
