@@ -23,7 +23,7 @@ FLOORS = [
     ("src/features/*", 4),
     ("src/picking/*", 4),
     ("src/collision/*", 4),
-    ("src/analysis/*", 4),
+    ("src/analysis/*", 6),
     ("src/assembly/*", 4),
     ("src/parameters/*", 3),
     ("src/document/*", 2),
