@@ -127,7 +127,10 @@ public:
   // A face that the wire bounds and that goes through the points, with some tolerance. quality:
   // 0 and less for coarse and quick, 2 and more for the highest degree. continuity: 0 position, 1
   // tangent, 2 curvature, against the faces that the edges were taken from; falls back to position
-  // where they have none.
+  // where that fails.
+  // Caveat: levels above position hold against the first surface that an edge lies on, and only if
+  //   that is a spline surface: against planes, cylinders and the like the kernel mostly fails or
+  //   crashes, and is not asked.
   static TopoDS_Face BuildPatchSurface(const TopoDS_Wire& wire, const std::vector<gp_Pnt>& points,
                                        double quality, int continuity);
   static TopoDS_Face BuildPatchSurface(const TopoDS_Wire& wire, const std::vector<gp_Pnt>& points,
@@ -135,7 +138,8 @@ public:
 
   // A face that the wire bounds, with a level for each edge: its constraint's, the first one with
   // its number, otherwise `level`. Constraints with other numbers are passed over. Falls back to
-  // position on all edges, then to any surface that the kernel finds under the wire.
+  // position on all edges, then to any surface that the kernel finds under the wire. Levels hold as
+  // for a patch.
   static TopoDS_Face FillHole(const TopoDS_Wire& wire,
                               const std::vector<FillHoleEdgeConstraint>& constraints,
                               SurfaceContinuityLevel level);

@@ -89,11 +89,21 @@ TopoDS_Shape NormalProjection(const TopoDS_Shape& wire, const TopoDS_Shape& face
   return projection.IsDone() ? projection.Shape() : TopoDS_Shape();
 }
 
+bool HasCurve(const TopoDS_Edge& edge)
+{
+  double first = 0, last = 0;
+  return !BRep_Tool::Curve(edge, first, last).IsNull();
+}
+
+// The kernel dereferences the curve of an edge without a look whether there is one.
 TopoDS_Shape SplitAlong(const TopoDS_Shape& cutter, const TopoDS_Face& face)
 {
   BRepFeat_SplitShape splitter(face);
-  for (const TopoDS_Edge& edge : EdgesOf(cutter))
+  for (const TopoDS_Edge& edge : EdgesOf(cutter)) {
+    if (!HasCurve(edge))
+      throw AttemptFailure("an edge of the cutter has no curve");
     splitter.Add(edge, face);
+  }
   splitter.Build();
   return ShapeIfDone(splitter);
 }
@@ -164,6 +174,8 @@ TopoDS_Shape Project(const TopoDS_Shape& curve, const TopoDS_Shape& surface,
     return Refused(report, "there is no face to project to");
   if (!HasFinitePlaces(wire) || !HasFinitePlaces(face))
     return Refused(report, "a vertex is at no finite place");
+  if (HasTornEdge(wire) || HasTornEdge(face))
+    return Refused(report, "a closed curve is too large to close");
   if (surface.ShapeType() != TopAbs_FACE)
     report.notes.emplace_back("the projection is on the first face only");
   const bool isDirected = PointsSomewhere(direction);

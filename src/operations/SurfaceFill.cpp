@@ -7,6 +7,10 @@
 
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepOffsetAPI_MakeFilling.hxx>
+#include <BRep_Tool.hxx>
+#include <Geom2d_Curve.hxx>
+#include <Geom_BSplineSurface.hxx>
+#include <Geom_BezierSurface.hxx>
 #include <TopoDS.hxx>
 
 #include <algorithm>
@@ -51,14 +55,41 @@ std::string TextOf(const Orders& orders)
   return text;
 }
 
+// The surface that the kernel holds a level against: the first that the edge has a curve on.
+Handle(Geom_Surface) FirstSurfaceOf(const TopoDS_Edge& edge)
+{
+  Handle(Geom2d_Curve) curve;
+  Handle(Geom_Surface) surface;
+  TopLoc_Location location;
+  double first = 0, last = 0;
+  BRep_Tool::CurveOnSurface(edge, curve, surface, location, first, last);
+  return surface;
+}
+
+// Against planes, cylinders and all others that are no splines the kernel raises in nine cases of
+// ten, and else crashes as often as not.
+void CheckLevel(const TopoDS_Edge& edge, GeomAbs_Shape order)
+{
+  if (order == GeomAbs_C0)
+    return;
+  const Handle(Geom_Surface) surface = FirstSurfaceOf(edge);
+  if (surface.IsNull())
+    throw AttemptFailure("an edge with a level lies on no face");
+  if (!surface->IsKind(STANDARD_TYPE(Geom_BSplineSurface)) &&
+      !surface->IsKind(STANDARD_TYPE(Geom_BezierSurface)))
+    throw AttemptFailure("an edge with a level lies on a surface that is no spline");
+}
+
 TopoDS_Shape Filled(const FillingSettings& settings, const TopoDS_Wire& wire, const Orders& orders,
                     const Points& points)
 {
   BRepOffsetAPI_MakeFilling filling(settings.degree, 15, settings.iterations, false, 1e-5,
                                     settings.tolerance, 0.01, 0.1, 8, 9);
   const std::vector<TopoDS_Edge> edges = EdgesOf(TopologyCopier().Copy(wire));
-  for (std::size_t i = 0; i < edges.size(); ++i)
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    CheckLevel(edges[i], orders[i]);
     filling.Add(edges[i], orders[i], true);
+  }
   for (const gp_Pnt& point : points)
     filling.Add(point);
   filling.Build();

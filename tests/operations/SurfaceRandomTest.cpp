@@ -101,7 +101,6 @@ void RunAll(const char* name, MakeCase&& makeCase, bool mayRaise = false)
   const auto start = std::chrono::steady_clock::now();
   for (int i = 0; i < kCases && !testing::Test::HasFailure(); ++i) {
     SCOPED_TRACE(i);
-    if (getenv("ORVEX_V")) std::cerr << name << " " << i << std::endl;
     Check(NextCase(makeCase, shapes), mayRaise, counts);
   }
   const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
