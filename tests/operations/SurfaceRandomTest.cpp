@@ -187,17 +187,16 @@ TEST(SurfaceRandom, Blend)
     options.first = RandomSide(shapes);
     options.second = RandomSide(shapes);
     options.blendFactor = shapes.Number();
-    return Case{
-      {options.first.edge, options.second.edge, options.first.supportFace,
-       options.second.supportFace},
-      [=](OperationReport* report) {
-        const TopoDS_Wire frame = Op::BuildBlendBoundaryFrame(options);
-        const TopoDS_Face seed = Op::BuildBlendBoundarySeedSurface(options);
-        if (Op::ValidateBlendSurfaceInput(options) != BlendSurfaceInputStatus::Valid) {
-          EXPECT_TRUE(frame.IsNull() && seed.IsNull());
-        }
-        return Op::BuildBlendSurface(options, report);
-      }};
+    return Case{{options.first.edge, options.second.edge, options.first.supportFace,
+                 options.second.supportFace},
+                [=](OperationReport* report) {
+                  const TopoDS_Wire frame = Op::BuildBlendBoundaryFrame(options);
+                  const TopoDS_Face seed = Op::BuildBlendBoundarySeedSurface(options);
+                  if (Op::ValidateBlendSurfaceInput(options) != BlendSurfaceInputStatus::Valid) {
+                    EXPECT_TRUE(frame.IsNull() && seed.IsNull());
+                  }
+                  return Op::BuildBlendSurface(options, report);
+                }};
   });
 }
 

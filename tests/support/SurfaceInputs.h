@@ -167,7 +167,8 @@ public:
   TopoDS_Face Face()
   {
     const std::vector<TopoDS_Shape> faces = PartsOf(Solid(), TopAbs_FACE);
-    return TopoDS::Face(faces[static_cast<std::size_t>(random.Index(static_cast<int>(faces.size())))]);
+    return TopoDS::Face(
+      faces[static_cast<std::size_t>(random.Index(static_cast<int>(faces.size())))]);
   }
 
   TopoDS_Shape Solid()

@@ -95,6 +95,7 @@ const Operation& OperationNamed(const std::string& name);
 std::span<const Operation> BooleanOperations();
 std::span<const Operation> SolidOperations();
 std::span<const Operation> CurveOperations();
+std::span<const Operation> SurfaceOperations();
 std::span<const Operation> NurbsOperations();
 std::span<const Operation> InspectOperations();
 

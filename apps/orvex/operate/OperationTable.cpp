@@ -24,7 +24,7 @@ std::vector<const Operation*> AllOfThem()
 {
   std::vector<const Operation*> all;
   for (const auto& family : {BooleanOperations(), SolidOperations(), CurveOperations(),
-                             NurbsOperations(), InspectOperations()})
+                             SurfaceOperations(), NurbsOperations(), InspectOperations()})
     for (const Operation& operation : family)
       all.push_back(&operation);
   return all;
