@@ -69,6 +69,13 @@ bool IsPlanar(const TopoDS_Wire& wire)
   return BRepBuilderAPI_MakeFace(wire, true).IsDone();
 }
 
+// The kernel passes over edges without a curve, and takes it that others are left.
+bool IsRail(const TopoDS_Wire& wire)
+{
+  const std::vector<TopoDS_Edge> edges = EdgesOf(wire);
+  return std::any_of(edges.begin(), edges.end(), &HasCurve);
+}
+
 TopoDS_Shape PipeAlong(const SweepInput& input)
 {
   const TopoDS_Wire profile = TopoDS::Wire(input.wires.front());
@@ -103,7 +110,7 @@ TopoDS_Shape Sweep(const TopoDS_Shape& rail1, const TopoDS_Shape& rail2, const S
   if (const char* reason = ReasonToRefuse(rail1, rail2, sections))
     return Refused(report, reason);
   const SweepInput input = CopiesOf(rail1, rail2, sections);
-  if (input.rail1.IsNull() || input.rail2.IsNull())
+  if (!IsRail(input.rail1) || !IsRail(input.rail2))
     return Refused(report, "a rail is no curve");
   if (input.wires.empty())
     return Refused(report, "no section is a curve");

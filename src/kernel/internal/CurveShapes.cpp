@@ -2,6 +2,8 @@
 
 #include <BRepBuilderAPI_MakeWire.hxx>
 #include <BRepTools.hxx>
+#include <BRep_Tool.hxx>
+#include <Geom_Curve.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Face.hxx>
@@ -49,6 +51,12 @@ std::vector<TopoDS_Edge> EdgesOf(const TopoDS_Shape& shape)
     for (TopExp_Explorer edge(shape, TopAbs_EDGE); edge.More(); edge.Next())
       edges.push_back(TopoDS::Edge(edge.Current()));
   return edges;
+}
+
+bool HasCurve(const TopoDS_Edge& edge)
+{
+  double first = 0, last = 0;
+  return !BRep_Tool::Curve(edge, first, last).IsNull();
 }
 
 bool IsSameShape(const TopoDS_Shape& first, const TopoDS_Shape& second)

@@ -21,6 +21,9 @@ TopoDS_Wire ToWire(const TopoDS_Shape& shape);
 // All edges of a shape in the explorer's order, each as often as it is met. None of a null shape.
 std::vector<TopoDS_Edge> EdgesOf(const TopoDS_Shape& shape);
 
+// Whether an edge is a curve in space: degenerate edges are not.
+bool HasCurve(const TopoDS_Edge& edge);
+
 // The same thing at the same place, whatever the orientations; a null shape is like none.
 bool IsSameShape(const TopoDS_Shape& first, const TopoDS_Shape& second);
 
