@@ -1,5 +1,6 @@
 #include "collision/internal/ShapeMeshing.h"
 
+#include "collision/internal/DisjointSets.h"
 #include "collision/internal/ParallelLoop.h"
 
 #include <BRepMesh_IncrementalMesh.hxx>
@@ -7,7 +8,6 @@
 
 #include <atomic>
 #include <map>
-#include <numeric>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -27,48 +27,21 @@ std::vector<TopoDS_Shape> Distinct(const std::vector<TopoDS_Shape>& shapes)
   return distinct;
 }
 
-// Sets of positions that are joined by and by.
-class Unions
-{
-public:
-  explicit Unions(std::size_t count) : parents(count)
-  {
-    std::iota(parents.begin(), parents.end(), std::size_t(0));
-  }
-
-  std::size_t Find(std::size_t i)
-  {
-    while (parents[i] != i)
-      i = parents[i] = parents[parents[i]];
-    return i;
-  }
-
-  // The lower root stays one.
-  void Join(std::size_t i, std::size_t j)
-  {
-    const auto [low, high] = std::minmax({Find(i), Find(j)});
-    parents[high] = low;
-  }
-
-private:
-  std::vector<std::size_t> parents;
-};
-
 // Shapes that have a face or an edge in common, which is what the mesher writes on.
 std::vector<Group> GroupsOf(const std::vector<TopoDS_Shape>& shapes)
 {
-  Unions unions(shapes.size());
+  DisjointSets sets(shapes.size());
   std::unordered_map<const TopoDS_TShape*, std::size_t> users;
   for (std::size_t i = 0; i < shapes.size(); ++i)
     for (const TopAbs_ShapeEnum kind : {TopAbs_FACE, TopAbs_EDGE})
       for (TopExp_Explorer sub(shapes[i], kind); sub.More(); sub.Next()) {
         const auto [user, isNew] = users.emplace(sub.Current().TShape().get(), i);
         if (!isNew)
-          unions.Join(user->second, i);
+          sets.Join(user->second, i);
       }
   std::map<std::size_t, Group> byRoot;
   for (std::size_t i = 0; i < shapes.size(); ++i)
-    byRoot[unions.Find(i)].push_back(shapes[i]);
+    byRoot[sets.Find(i)].push_back(shapes[i]);
   std::vector<Group> groups;
   for (auto& [root, group] : byRoot)
     groups.push_back(std::move(group));

@@ -26,7 +26,7 @@ public:
   {
     items.reserve(tree.triangles.size());
     for (int i = 0; i < static_cast<int>(tree.triangles.size()); ++i)
-      items.push_back({BoxOf(tree.Corners(i)), i});
+      items.push_back({Orvex::BoxOf(tree.Corners(i)), i});
     // Halves down to five triangles at least: two nodes for every five at most.
     tree.nodes.reserve(items.size() / 2 + 1);
   }
