@@ -19,9 +19,11 @@
 // - The filters on meshes and faces look at surfaces: a part wholly inside another one, away from
 //   its surface, is cleared. So is, by the distance between meshes, any part inside another.
 // - Meshes cut corners: parts that touch on curved surfaces can come out apart.
-// - The distance between meshes is given up too early for large parts (farFactor).
-// - The kernel's exact distance is positive for a few overlapping pairs; OrvexCollisionTrace finds
-//   them.
+// - The distance between meshes (exactMode 0, the fast preset) is that of edges and corners: it is
+//   positive for parts that cross each other's faces, and is given up early for large parts
+//   (farFactor). It finds parts that touch rather than parts that overlap.
+// - The kernel's exact distance is positive for a few overlapping pairs.
+// OrvexCollisionTrace finds what was overlooked, the proposals of an index apart.
 // The settings that overlook none of this, the last apart: spaceIndexKind 3, narrowPhaseMode 1,
 // exactMode 1.
 //

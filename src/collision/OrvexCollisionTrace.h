@@ -12,12 +12,12 @@
 // Stages in the order in which a pair passes them.
 enum class OrvexCollisionStage { Box, Mesh, Exact, Boolean };
 
-// Two parts that the kernel's exact distance holds apart, though they overlap.
+// Two parts that a run cleared, though they overlap.
 struct ORVEX_API OrvexMissedOverlap
 {
   int partA = -1;
   int partB = -1;
-  // What the kernel gave, in model units.
+  // What the run took for their distance, in model units; +infinity if a filter cleared them.
   double reportedDistance = 0;
   // Of the common solid, in cubic model units.
   double overlapVolume = 0;
@@ -27,10 +27,12 @@ struct ORVEX_API OrvexCollisionTrace
 {
   static constexpr std::size_t kStageCount = 4;
 
-  // To be set before the run: pairs that the exact distance clears are checked. Where the meshes
-  // cross all the same, the common solid is made; if it has a volume, the pair is listed below. The
-  // results of the run stay what they are without the check.
-  bool checkDistances = false;
+  // To be set before the run: pairs that come out clear though their boxes meet are checked. Where
+  // their meshes cross, or the box of one lies in that of the other, the common solid is made; if
+  // it has a volume, the pair is listed below. The results of the run stay what they are without
+  // the check. What it finds is what the configuration overlooks (see OrvexCollisionEngine) or
+  // where the kernel's exact distance is wrong.
+  bool checkCleared = false;
 
   // Pairs by the stage that decided, with OrvexCollisionStage as the index. A pair whose exact
   // stages failed counts as cleared by the stage it failed in.

@@ -108,7 +108,7 @@ inline std::vector<TopoDS_Shape> SceneOfParts(std::uint64_t seed, int count, int
   gp_XYZ last;
   for (int i = 0; i < count; ++i) {
     const double size = random.Real(6, 11);
-    const gp_XYZ cell(15.0 * (i % side), 15.0 * (i / side % side), 15.0 * (i / side / side));
+    const gp_XYZ cell(17.0 * (i % side), 17.0 * (i / side % side), 17.0 * (i / side / side));
     gp_XYZ place = cell + gp_XYZ(random.Real(-2, 2), random.Real(-2, 2), random.Real(-2, 2));
     if (i > 0 && random.Index(everyMeets) == 0)
       place = last + gp_XYZ(random.Real(3, 8), random.Real(0, 3), random.Real(0, 3));

@@ -59,7 +59,7 @@ CollisionRun::Results CollisionRun::Run()
     const bool oneByOne = config.timeLimitSeconds > 0 || config.serial;
     oneByOne ? TestOneByOne() : TestSideBySide();
     metrics.processedPairs = metrics.timedOut ? Told(std::ssize(results)) : Told(proposed);
-    CheckDistances();
+    CheckCleared();
   } catch (...) {
     metrics.processedPairs = Told(std::ssize(results));
     KeepMetrics();
@@ -193,8 +193,8 @@ void CollisionRun::Accept(OrvexCollisionResult result, OrvexCollisionStage stage
 {
   if (trace != nullptr) {
     ++(result.hasCollision() ? trace->collided : trace->cleared)[static_cast<std::size_t>(stage)];
-    if (trace->checkDistances && stage == OrvexCollisionStage::Exact && !result.hasCollision())
-      clearedExactly.push_back(result);
+    if (trace->checkCleared && !result.hasCollision())
+      cleared.push_back(result);
   }
   if (result.hasCollision())
     results.push_back(std::move(result));
@@ -207,10 +207,10 @@ void CollisionRun::ReportProgress(std::int64_t done) const
 }
 
 // With meshes of its own: those of the engine must not tell which runs were checked.
-void CollisionRun::CheckDistances()
+void CollisionRun::CheckCleared()
 {
   std::vector<int> needed;
-  for (const OrvexCollisionResult& pair : clearedExactly)
+  for (const OrvexCollisionResult& pair : cleared)
     needed.insert(needed.end(), {pair.partA, pair.partB});
   std::sort(needed.begin(), needed.end());
   needed.erase(std::unique(needed.begin(), needed.end()), needed.end());
@@ -219,11 +219,12 @@ void CollisionRun::CheckDistances()
   MakeTrees(
     trees, needed, [this] { return IsOverdue(); }, nullptr);
 
-  std::vector<double> volumes(clearedExactly.size(), 0.0);
-  ForEachInParallel(Told(std::ssize(clearedExactly)), [&](int k) {
-    const OrvexCollisionResult& pair = clearedExactly[static_cast<std::size_t>(k)];
+  std::vector<double> volumes(cleared.size(), 0.0);
+  ForEachInParallel(Told(std::ssize(cleared)), [&](int k) {
+    const OrvexCollisionResult& pair = cleared[static_cast<std::size_t>(k)];
     const auto a = trees.At(pair.partA), b = trees.At(pair.partB);
-    if (a == nullptr || b == nullptr || IsOverdue() || !MeshesMeet(*a, *b, 0))
+    const bool cross = a != nullptr && b != nullptr && MeshesMeet(*a, *b, 0);
+    if (IsOverdue() || !(cross || OneLiesInTheOther(pair)))
       return;
     volumes[static_cast<std::size_t>(k)] =
       CommonVolumeOrNone(parts[static_cast<std::size_t>(pair.partA)].shape,
@@ -232,7 +233,20 @@ void CollisionRun::CheckDistances()
   for (std::size_t k = 0; k < volumes.size(); ++k)
     if (volumes[k] > 0)
       trace->missedOverlaps.push_back(
-        {clearedExactly[k].partA, clearedExactly[k].partB, clearedExactly[k].distance, volumes[k]});
+        {cleared[k].partA, cleared[k].partB, cleared[k].distance, volumes[k]});
+}
+
+bool CollisionRun::OneLiesInTheOther(const OrvexCollisionResult& pair) const
+{
+  const BoxLimits& a = limits[static_cast<std::size_t>(pair.partA)];
+  const BoxLimits& b = limits[static_cast<std::size_t>(pair.partB)];
+  const auto isIn = [](const BoxLimits& inner, const BoxLimits& outer) {
+    for (std::size_t axis = 0; axis < 3; ++axis)
+      if (inner.min[axis] < outer.min[axis] || inner.max[axis] > outer.max[axis])
+        return false;
+    return true;
+  };
+  return isIn(a, b) || isIn(b, a);
 }
 
 bool CollisionRun::IsOverdue() const

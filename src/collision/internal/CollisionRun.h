@@ -42,7 +42,8 @@ private:
   OrvexCollisionResult Test(const Candidate& pair, OrvexCollisionStage& stage);
   void Accept(OrvexCollisionResult result, OrvexCollisionStage stage);
   void ReportProgress(std::int64_t done) const;
-  void CheckDistances();
+  void CheckCleared();
+  bool OneLiesInTheOther(const OrvexCollisionResult& pair) const;
   bool IsOverdue() const;
   double Seconds() const;
   void KeepMetrics();
@@ -59,7 +60,7 @@ private:
   std::int64_t proposed = 0;
   // In the order of the tests. Pairs that the box test clears need no place there.
   std::vector<Candidate> candidates;
-  std::vector<OrvexCollisionResult> clearedExactly; // kept for the check of distances only
+  std::vector<OrvexCollisionResult> cleared; // kept for the check only
   std::atomic<int> failed = 0;
   OrvexCollisionMetrics metrics;
   Results results;
