@@ -86,7 +86,8 @@ public:
 
   void Run()
   {
-    if (!Reduce() || !FindRegion() || !ClipAndMakeCommon())
+    if (!Timed(trace.reductionSeconds, [this] { return Reduce(); }) || !FindRegion() ||
+        !ClipAndMakeCommon())
       return;
     // The surfaces come near each other in the region only, but what lies between them can reach
     // beyond it.

@@ -26,7 +26,7 @@ struct ORVEX_API OrvexMeshRoiResult
 
 struct ORVEX_API OrvexMeshRoiTrace
 {
-  // Of the meshes, which leave out holes and bosses far from the other shape.
+  // Of the meshes of what is left.
   std::size_t trianglesA = 0;
   std::size_t trianglesB = 0;
   // Where triangles of the two come near each other, as far as it is within the boxes of both
@@ -36,7 +36,8 @@ struct ORVEX_API OrvexMeshRoiTrace
   // The common solid reached beyond the region, and was made again in the part of space that is
   // within the boxes of both shapes.
   bool wasWidened = false;
-  // Seconds.
+  // Seconds. The reduction leaves out holes and bosses far from the other shape.
+  double reductionSeconds = 0;
   double meshSeconds = 0;
   double regionSeconds = 0;
   double clipSecondsA = 0;

@@ -5,6 +5,9 @@
 #include "foundation/Export.h"
 
 #include <cstddef>
+#include <vector>
+
+struct OrvexModelPart;
 
 struct ORVEX_API OrvexSceneStats
 {
@@ -21,6 +24,10 @@ struct ORVEX_API OrvexSceneStats
   double measureC = 0;
   double measureD = 0;
   bool flag = false;
+
+  // Of all parts, also those without a shape, which count and measure nothing. Of an even number of
+  // volumes the median is the upper one in the middle; volumes count without their sign.
+  static OrvexSceneStats fromParts(const std::vector<OrvexModelPart>& parts);
 
   // Adds the counts, keeps the larger of each measure and sets the flag if either has it.
   void merge(const OrvexSceneStats& other);

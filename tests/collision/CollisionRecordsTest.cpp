@@ -52,6 +52,23 @@ TEST(CollisionRecords, MergedStatisticsAddCountsAndKeepTheLargerMeasures)
   EXPECT_TRUE(first.flag);
 }
 
+TEST(CollisionRecords, StatisticsOfPartsMeasureWhatIsThere)
+{
+  std::vector<OrvexModelPart> parts(1); // nothing in it
+  for (const double volume : {3.0, -4.0, 1.0, 2.0}) {
+    parts.push_back(OrvexModelPart::fromShape(BRepPrimAPI_MakeBox(2, 3, 6), ""));
+    parts.back().volume = volume;
+  }
+  const auto stats = OrvexSceneStats::fromParts(parts);
+  EXPECT_EQ(stats.partCount, 5u);
+  EXPECT_NEAR(stats.sceneDiagonal, 7, 1e-6);
+  EXPECT_EQ(stats.largestVolume, 4);
+  EXPECT_EQ(stats.medianVolume, 3);
+  parts.pop_back();
+  EXPECT_EQ(OrvexSceneStats::fromParts(parts).medianVolume, 3); // 1, 3, 4
+  EXPECT_EQ(OrvexSceneStats::fromParts({}).sceneDiagonal, 0);
+}
+
 // preset, index, filter, exact, volume, shape, serial, seconds
 TEST(CollisionRecords, PresetsAreThoseOfTheTable)
 {
