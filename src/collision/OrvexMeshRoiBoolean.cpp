@@ -47,6 +47,14 @@ bool ReachesBorder(const TopoDS_Shape& shape, const BoxLimits& region)
   return false;
 }
 
+int FaceCount(const TopoDS_Shape& shape)
+{
+  int count = 0;
+  for (TopExp_Explorer face(shape, TopAbs_FACE); face.More(); face.Next())
+    ++count;
+  return count;
+}
+
 BoxLimits Intersection(const BoxLimits& a, const BoxLimits& b)
 {
   BoxLimits common;
@@ -163,8 +171,13 @@ private:
     return true;
   }
 
-  TopoDS_Shape Clipped(const TopoDS_Shape& shape) const
+  // What a reduction has left of a shape goes into the boolean as it is if there is little of it:
+  // the clip would cost as much, and the common is the same.
+  TopoDS_Shape Clipped(const TopoDS_Shape& shape, const TopoDS_Shape& original) const
   {
+    constexpr int kFewFaces = 64;
+    if (!shape.IsSame(original) && FaceCount(shape) <= kFewFaces)
+      return shape;
     return config.clipMode == 1
              ? Orvex::ClippedBySlabs(shape, clipRegion, *Orvex::LimitsOf(overall), fuzzy)
              : Orvex::ClippedByCommon(shape, clipRegion, fuzzy);
@@ -173,8 +186,8 @@ private:
   bool ClipAndMakeCommon()
   {
     trace.clipRegion = KernelBox(clipRegion);
-    TopoDS_Shape clippedA = Timed(trace.clipSecondsA, [&] { return Clipped(reducedA); });
-    TopoDS_Shape clippedB = Timed(trace.clipSecondsB, [&] { return Clipped(reducedB); });
+    TopoDS_Shape clippedA = Timed(trace.clipSecondsA, [&] { return Clipped(reducedA, a); });
+    TopoDS_Shape clippedB = Timed(trace.clipSecondsB, [&] { return Clipped(reducedB, b); });
     if (clippedA.IsNull() || clippedB.IsNull()) {
       if (!config.fallbackFull)
         return Fail("ROI clip failed and fallbackFull is disabled.");
