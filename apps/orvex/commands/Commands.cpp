@@ -5,8 +5,10 @@ namespace Orvex::Cli {
 std::span<const Command> AllCommands()
 {
   static constexpr Command kCommands[] = {
+    {"collide", "Which parts touch or overlap, where and by how much", DeclareCollide},
     {"history", "How a saved document was made: its features in order", DeclareHistory},
     {"info", "What is in a file: structure, names, colours, parameters, counts, size", DeclareInfo},
+    {"interfere", "Which parts have something in common, by booleans alone", DeclareInterfere},
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
     {"rebuild", "Change parameters of a saved document and rebuild what depends on them",
      DeclareRebuild},

@@ -7,8 +7,10 @@ namespace Orvex::Cli {
 
 std::span<const Command> AllCommands();
 
+Action DeclareCollide(CLI::App& options);
 Action DeclareHistory(CLI::App& options);
 Action DeclareInfo(CLI::App& options);
+Action DeclareInterfere(CLI::App& options);
 Action DeclareNew(CLI::App& options);
 Action DeclareRebuild(CLI::App& options);
 Action DeclareReplay(CLI::App& options);
