@@ -24,6 +24,7 @@ libcli11-dev|the command line
 libgtest-dev|tests
 libgmock-dev|tests
 libbenchmark-dev|benchmarks
+libfcl-dev|benchmarks: the peer of collision checks
 python3|checks that the tests run
 python3-jsonschema|tests check JSON output against its schema
 LIST

@@ -6,9 +6,11 @@ std::span<const Command> AllCommands()
 {
   static constexpr Command kCommands[] = {
     {"check", "What in a model troubles meshing and machining", DeclareCheck},
+    {"collide", "Which parts touch or overlap, where and by how much", DeclareCollide},
     {"compare", "Whether two models are the same for practical purposes", DeclareCompare},
     {"history", "How a saved document was made: its features in order", DeclareHistory},
     {"info", "What is in a file: structure, names, colours, parameters, counts, size", DeclareInfo},
+    {"interfere", "Which parts have something in common, by booleans alone", DeclareInterfere},
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
     {"op", "Run a modelling operation on shapes from files", DeclareOp},
     {"quality", "Curvature, stripes, draft, radii, thickness of a model's faces", DeclareQuality},

@@ -8,9 +8,11 @@ namespace Orvex::Cli {
 std::span<const Command> AllCommands();
 
 Action DeclareCheck(CLI::App& options);
+Action DeclareCollide(CLI::App& options);
 Action DeclareCompare(CLI::App& options);
 Action DeclareHistory(CLI::App& options);
 Action DeclareInfo(CLI::App& options);
+Action DeclareInterfere(CLI::App& options);
 Action DeclareNew(CLI::App& options);
 Action DeclareOp(CLI::App& options);
 Action DeclareQuality(CLI::App& options);

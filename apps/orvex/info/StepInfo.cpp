@@ -273,6 +273,13 @@ std::vector<TopoDS_Shape> ReadStepShapes(const std::string& path)
   return Collect(reader, true).shapes;
 }
 
+std::vector<StepShapeData> ReadStepModel(const std::string& path, const ProgressSink& progress)
+{
+  CStepFileReader reader;
+  Read(reader, path, {}, progress, Clock::now());
+  return reader.GetImportShapeDataList();
+}
+
 QJsonObject FailedEntry(const Failure& failure)
 {
   return {{"file", failure.subject}, {"status", "failed"}, {"error", ToJson(failure)}};

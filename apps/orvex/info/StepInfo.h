@@ -5,7 +5,9 @@
 #include "frame/Failure.h"
 #include "frame/Progress.h"
 
+#include "step/StepShapeData.h"
 #include <QJsonObject>
+
 #include <TopoDS_Shape.hxx>
 
 #include <string>
@@ -30,6 +32,10 @@ QJsonObject DescribeStepFile(const std::string& path, const StepInfoOptions& opt
 // The shapes alone, by the plain reader.
 // Errors: a Failure (ExitCode::Unreadable).
 std::vector<TopoDS_Shape> ReadStepShapes(const std::string& path);
+
+// The shapes by the full reader, which leaves the product tree in AssemblyTreeMgr.
+// Errors: a Failure (ExitCode::Unreadable, TimeLimit or Interrupted).
+std::vector<StepShapeData> ReadStepModel(const std::string& path, const ProgressSink& progress);
 
 QJsonObject FailedEntry(const Failure& failure);
 bool HasFailed(const QJsonObject& entry);
