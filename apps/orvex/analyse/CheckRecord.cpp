@@ -1,8 +1,8 @@
 #include "analyse/CheckRecord.h"
 
-#include "analyse/ModelParts.h"
 #include "analysis/ModelCheckAnalyzer.h"
 #include "frame/Text.h"
+#include "model/PartList.h"
 
 #include <BRepAdaptor_Curve.hxx>
 #include <BRepBndLib.hxx>
@@ -104,9 +104,9 @@ Findings FindingsOf(const TopoDS_Shape& shape, const ModelCheckOptions& options)
   return findings;
 }
 
-QJsonObject IssueJson(const ModelPart& part, const ModelCheckIssue& issue, const Place& place)
+QJsonObject IssueJson(const NamedPart& part, const ModelCheckIssue& issue, const Place& place)
 {
-  QJsonObject json{{"part", part.name},
+  QJsonObject json{{"part", part.path},
                    {"severity", TextFromBytes(issue.severity)},
                    {"code", TextFromBytes(issue.code)},
                    {"entity", TextFromBytes(issue.entityType)},
@@ -149,7 +149,7 @@ QString PlaceText(const QJsonValue& issue)
 QJsonObject CheckModel(const std::string& path, const ModelCheckOptions& options,
                        const ProgressSink& progress)
 {
-  const std::vector<ModelPart> parts = ReadModelParts(path, progress);
+  const std::vector<NamedPart> parts = ReadParts({path}, progress);
   std::map<const TopoDS_TShape*, Findings> findings;
   QJsonArray issues;
   for (std::size_t i = 0; i < parts.size(); ++i) {

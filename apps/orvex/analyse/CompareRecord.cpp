@@ -1,8 +1,8 @@
 #include "analyse/CompareRecord.h"
 
-#include "analyse/ModelParts.h"
 #include "analysis/ShapeEquivalenceAnalyzer.h"
 #include "frame/Text.h"
+#include "model/PartList.h"
 
 #include <QJsonArray>
 
@@ -60,8 +60,8 @@ QString SizeOf(const QJsonObject& metrics)
 QJsonObject CompareModels(const std::string& source, const std::string& candidate,
                           const ShapeEquivalenceOptions& options, const ProgressSink& progress)
 {
-  const TopoDS_Shape first = WholeOf(ReadModelParts(source, progress));
-  const TopoDS_Shape second = WholeOf(ReadModelParts(candidate, progress));
+  const TopoDS_Shape first = ReadWhole(source, progress);
+  const TopoDS_Shape second = ReadWhole(candidate, progress);
   progress({QStringLiteral("compare"), -1.0});
   const ShapeEquivalenceReport report = ShapeEquivalenceAnalyzer::Compare(first, second, options);
   QJsonArray failures;

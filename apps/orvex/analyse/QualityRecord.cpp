@@ -1,9 +1,9 @@
 #include "analyse/QualityRecord.h"
 
-#include "analyse/ModelParts.h"
 #include "analysis/SurfaceQualityAnalyzer.h"
 #include "frame/Failure.h"
 #include "frame/Text.h"
+#include "model/PartList.h"
 
 #include <QJsonArray>
 #include <TopExp_Explorer.hxx>
@@ -153,12 +153,15 @@ QJsonArray HistogramJson(const std::vector<double>& values)
 {
   constexpr std::size_t kBins = 10;
   const auto [least, most] = std::minmax_element(values.begin(), values.end());
-  const double width = (*most - *least) / kBins;
-  std::vector<int> bins(kBins, 0);
+  const bool isOneValue = *most - *least <= 1e-9 * std::max(std::abs(*most), std::abs(*least));
+  const std::size_t count = isOneValue ? 1 : kBins;
+  const double width = (*most - *least) / static_cast<double>(count);
+  std::vector<int> bins(count, 0);
   for (const double value : values)
-    ++bins[width > 0 ? std::min(static_cast<std::size_t>((value - *least) / width), kBins - 1) : 0];
+    ++bins[isOneValue ? 0
+                      : std::min(static_cast<std::size_t>((value - *least) / width), count - 1)];
   QJsonArray histogram;
-  for (std::size_t i = 0; i < kBins; ++i)
+  for (std::size_t i = 0; i < count; ++i)
     histogram.append(QJsonObject{{"from", *least + width * static_cast<double>(i)},
                                  {"to", *least + width * static_cast<double>(i + 1)},
                                  {"count", bins[i]}});
@@ -190,7 +193,7 @@ QString BarText(const QJsonValue& bin, int most)
 
 QJsonObject AnalyseQuality(const QualityRequest& request, const ProgressSink& progress)
 {
-  const TopoDS_Shape shape = WholeOf(ReadModelParts(request.path, progress));
+  const TopoDS_Shape shape = ReadWhole(request.path, progress);
   progress({QStringLiteral("analyse"), -1.0});
   const QualityRow& row = RowOf(request.kind);
   const QualityTable table = row.analyse(shape, request);

@@ -1,7 +1,7 @@
 // Collisions between parts: a run of the engine as JSON, text and CSV.
 #pragma once
 
-#include "collide/PartList.h"
+#include "model/PartList.h"
 
 #include <QJsonObject>
 #include <QString>

@@ -45,12 +45,7 @@ void WriteShapes(const std::vector<TopoDS_Shape>& shapes, const std::string& pat
   const auto document = NewDocument();
   const TDF_Label label =
     XCAFDoc_DocumentTool::ShapeTool(document->Main())->AddShape(compound, false);
-  if (!WriteModel(label, *FormatOfName(shown), path))
-    throw Failure{ExitCode::Partial,
-                  TextFromBytes(shown),
-                  {},
-                  QStringLiteral("the kernel does not write it"),
-                  {}};
+  WriteModel(label, {*FormatOfName(shown), path, shown});
 }
 
 } // namespace Orvex::Cli

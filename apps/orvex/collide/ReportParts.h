@@ -1,7 +1,7 @@
 // What the reports on pairs of parts have in common.
 #pragma once
 
-#include "collide/PartList.h"
+#include "model/PartList.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

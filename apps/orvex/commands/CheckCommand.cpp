@@ -2,7 +2,6 @@
 #include "commands/Commands.h"
 
 #include "analyse/CheckRecord.h"
-#include "analyse/ModelParts.h"
 #include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
@@ -29,7 +28,6 @@ QJsonObject CheckFile(const std::string& path, const CheckOptions& options, Sess
 {
   const QString subject = TextFromBytes(path);
   try {
-    RequireModelFile(path);
     ProgressDisplay progress(session.Streams(), session.Options(), subject);
     const WorkerOptions limits{session.Options().timeLimitSeconds, options.stallLimitSeconds,
                                session.Options().verbose};
@@ -88,7 +86,7 @@ ExitCode RunCheck(const CheckOptions& options, Session& session)
 Action DeclareCheck(CLI::App& app)
 {
   const auto options = std::make_shared<CheckOptions>();
-  app.add_option("FILE", options->files, "STEP and BRep files")->required();
+  app.add_option("FILE", options->files, "STEP, IGES and BRep files, binary documents")->required();
   const auto limit = [&](const char* name, double& value, const char* help) {
     app
       .add_option(name, value,

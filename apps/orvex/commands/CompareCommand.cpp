@@ -2,7 +2,6 @@
 #include "commands/Commands.h"
 
 #include "analyse/CompareRecord.h"
-#include "analyse/ModelParts.h"
 #include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
@@ -25,8 +24,6 @@ struct CompareOptions
 
 ExitCode RunCompare(const CompareOptions& options, Session& session)
 {
-  RequireModelFile(options.source);
-  RequireModelFile(options.candidate);
   const QString subject =
     QStringLiteral("%1, %2").arg(TextFromBytes(options.source), TextFromBytes(options.candidate));
   ProgressDisplay progress(session.Streams(), session.Options(), subject);
@@ -48,7 +45,8 @@ ExitCode RunCompare(const CompareOptions& options, Session& session)
 Action DeclareCompare(CLI::App& app)
 {
   const auto options = std::make_shared<CompareOptions>();
-  app.add_option("SOURCE", options->source, "A STEP or BRep file")->required();
+  app.add_option("SOURCE", options->source, "A STEP, IGES or BRep file, a binary document")
+    ->required();
   app.add_option("CANDIDATE", options->candidate, "What is compared with it")->required();
   const auto tolerance = [&](const char* name, double& value, const char* help) {
     app.add_option(name, value, QStringLiteral("%1 (%2)").arg(help).arg(value).toStdString())

@@ -1,7 +1,6 @@
 // orvex quality: surface analyses of a model.
 #include "commands/Commands.h"
 
-#include "analyse/ModelParts.h"
 #include "analyse/QualityRecord.h"
 #include "create/ParameterInput.h"
 #include "frame/OutputDescriptor.h"
@@ -61,7 +60,6 @@ ExitCode RunQuality(const QualityOptions& options, Session& session)
 {
   QualityRequest request = options.request;
   request.direction = DirectionOf(options.direction);
-  RequireModelFile(request.path);
   std::optional<PendingFile> csv;
   if (!options.csv.empty())
     csv.emplace(options.csv);
@@ -90,7 +88,7 @@ Action DeclareQuality(CLI::App& app)
 {
   const auto options = std::make_shared<QualityOptions>();
   QualityRequest& request = options->request;
-  app.add_option("FILE", request.path, "A STEP or BRep file")->required();
+  app.add_option("FILE", request.path, "A STEP, IGES or BRep file, a binary document")->required();
   CLI::Option_group* kinds = app.add_option_group("analysis");
   kinds->require_option(1);
   for (const KindRow& row : kKinds)

@@ -77,10 +77,9 @@ OperationOutcome Told(const TopoDS_Shape& shape, const OperationReport& report)
 {
   OperationOutcome outcome{shape, {}, {}, TextFromBytes(report.reason)};
   for (const OperationAttempt& attempt : report.attempts)
-    outcome.notes.append(
-      QStringLiteral("%1: %2").arg(TextFromBytes(attempt.description),
-                                   attempt.built ? QStringLiteral("built")
-                                                 : TextFromBytes(attempt.reason)));
+    outcome.notes.append(QStringLiteral("%1: %2").arg(
+      TextFromBytes(attempt.description),
+      attempt.built ? QStringLiteral("built") : TextFromBytes(attempt.reason)));
   for (const std::string& note : report.notes)
     outcome.notes.append(TextFromBytes(note));
   return outcome;
@@ -138,9 +137,9 @@ OperationOutcome Blend(const OperationCall& call)
 OperationOutcome Patch(const OperationCall& call)
 {
   OperationReport report;
-  const TopoDS_Shape shape = AdvancedSurfaceOp::BuildPatchSurface(
-    WireOf(call, call.inputs[0]), call.Points("points"), call.Real("quality"),
-    call.Integer("continuity"), &report);
+  const TopoDS_Shape shape =
+    AdvancedSurfaceOp::BuildPatchSurface(WireOf(call, call.inputs[0]), call.Points("points"),
+                                         call.Real("quality"), call.Integer("continuity"), &report);
   return Told(shape, report);
 }
 
@@ -275,13 +274,7 @@ std::span<const Operation> SurfaceOperations()
      2,
      {FlagOption("project", "project the curve along the normals first", false)},
      TrimSurface},
-    {"intersect",
-     "The edges in which two shapes meet",
-     "two shapes",
-     2,
-     2,
-     {},
-     Intersect},
+    {"intersect", "The edges in which two shapes meet", "two shapes", 2, 2, {}, Intersect},
     {"project",
      "A curve projected on a face",
      "a wire or edge, then a face; of another shape its first one",

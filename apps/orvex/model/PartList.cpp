@@ -1,4 +1,4 @@
-#include "collide/PartList.h"
+#include "model/PartList.h"
 
 #include "frame/Text.h"
 #include "info/DocumentRecord.h"
