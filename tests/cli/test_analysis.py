@@ -110,7 +110,7 @@ class Quality(AnalysisCase):
         self.assertIn("#", self.run_orvex("quality", "ball.brep", "--min-radius").out.decode())
 
     def test_what_cannot_be_is_told(self):
-        for arguments, code, word in ((["box.brep"], 2, "analysis"), (["box.brep", "--min-radius"], 4, "radius"),
+        for arguments, code, word in ((["box.brep"], 2, "--curvature"), (["box.brep", "--min-radius"], 4, "radius"),
                                       (["box.brep", "--draft", "--zebra"], 2, ""),
                                       (["box.brep", "--draft", "--direction", "0,0,0"], 2, "direction"),
                                       (["box.brep", "--draft", "--direction", "nan,0,1"], 2, "direction"),
