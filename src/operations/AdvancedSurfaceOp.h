@@ -17,7 +17,8 @@
 //   vertices, edges or faces.
 // - The same input gives the same result; any number of threads may call at once.
 // - Shapes with vertices at NaN, infinity or beyond 1e100, on which the kernel never comes to an
-//   end, give a null result; so do curved shapes beyond 4e8 that are to be projected.
+//   end, give a null result; so do curved shapes beyond 4e8 that are to be
+//   projected or filled.
 //
 // Units: lengths in model units.
 // Errors: no failure of the kernel leaves, with the exceptions named below.

@@ -20,6 +20,7 @@
 #include <gp_Circ.hxx>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -71,6 +72,15 @@ inline TopoDS_Wire SquareWire(double z, double size)
 {
   return PolygonWire(
     {gp_Pnt(0, 0, z), gp_Pnt(size, 0, z), gp_Pnt(size, size, z), gp_Pnt(0, size, z)}, true);
+}
+
+inline TopoDS_Wire RegularWire(double z, double radius, int corners)
+{
+  std::vector<gp_Pnt> points;
+  for (int i = 0; i < corners; ++i)
+    points.emplace_back(radius * std::cos(2 * M_PI * i / corners),
+                        radius * std::sin(2 * M_PI * i / corners), z);
+  return PolygonWire(points, true);
 }
 
 inline std::vector<TopoDS_Shape> PartsOf(const TopoDS_Shape& shape, TopAbs_ShapeEnum type)
@@ -167,7 +177,8 @@ public:
   TopoDS_Face Face()
   {
     const std::vector<TopoDS_Shape> faces = PartsOf(Solid(), TopAbs_FACE);
-    return TopoDS::Face(faces[static_cast<std::size_t>(random.Index(static_cast<int>(faces.size())))]);
+    return TopoDS::Face(
+      faces[static_cast<std::size_t>(random.Index(static_cast<int>(faces.size())))]);
   }
 
   TopoDS_Shape Solid()
