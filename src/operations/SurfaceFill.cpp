@@ -14,6 +14,8 @@
 #include <TopoDS.hxx>
 
 #include <algorithm>
+#include <locale>
+#include <sstream>
 
 using namespace Orvex;
 
@@ -143,12 +145,11 @@ FillingSettings SettingsFor(double quality)
 
 std::string TextOf(const FillingSettings& settings, const Orders& orders)
 {
-  return std::string("degree ")
-    .append(std::to_string(settings.degree))
-    .append(", ")
-    .append(std::to_string(settings.iterations))
-    .append(" iterations, ")
-    .append(TextOf(orders));
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << "degree " << settings.degree << ", " << settings.iterations << " iterations, tolerance "
+       << settings.tolerance << ", " << TextOf(orders);
+  return std::move(text).str();
 }
 
 bool IsFinitePoint(const gp_Pnt& point)

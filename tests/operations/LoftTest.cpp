@@ -105,7 +105,6 @@ TEST(LoftLadder, LargeJobsAreReduced)
   Options guided = safe;
   guided.guideMode = 1;
   ExpectSame({Orvex::SanitizedLoftOptions({12, 1}, options)}, {guided});
-  guided.guideMode = 2;
   guided.solid = true;
   ExpectSame({Orvex::SanitizedLoftOptions({10, 2}, options)}, {guided});
   options.smoothing = false;
