@@ -79,7 +79,7 @@ std::vector<TopoDS_Wire> PlacedSections(const Shapes& sections, const Shapes& gu
         MovedByGuides(wire, guides, static_cast<double>(i) / static_cast<double>(last), options);
     wires.push_back(wire);
   }
-  CheckSections(wires, options.checkCompatibility);
+  CheckSections(wires, options);
   return wires;
 }
 

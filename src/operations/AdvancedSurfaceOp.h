@@ -167,6 +167,8 @@ public:
   // How two faces meet at the middle of the first edge that both have. The tolerance is the length
   // up to which derivatives count as none.
   // Errors: Standard_Failure passes.
+  // Caveat: the maximum curvature has a sign, and the absolute value comes after: where surfaces
+  //   bend away from their normals, as a cylinder with an outward one, the maximum is 0.
   static SurfaceContinuityMetrics
   EvaluateFaceContinuity(const TopoDS_Face& face1, const TopoDS_Face& face2, double tolerance);
 

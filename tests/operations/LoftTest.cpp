@@ -240,7 +240,7 @@ TEST(Loft, WhatIsNoLoftIsRefused)
     EXPECT_TRUE(Op::BuildAdvancedLoft(sections, {}, {}, &report).IsNull());
     EXPECT_FALSE(report.reason.empty());
   }
-  EXPECT_TRUE(Op::BuildAdvancedLoft(Circles(3), {Upright(5), Upright(5)}, {}).IsNull() == false);
+  EXPECT_FALSE(Op::BuildAdvancedLoft(Circles(3), {Upright(5), Upright(5)}, {}).IsNull());
   const TopoDS_Shape guide = Upright(5);
   EXPECT_TRUE(Op::BuildAdvancedLoft(Circles(3), {guide, guide}, {}).IsNull());
 }
@@ -283,7 +283,6 @@ TEST(Sweep2, WhatCannotBeSweptGivesNull)
 {
   const TopoDS_Shape vertex = BRepBuilderAPI_MakeVertex(gp_Pnt()).Shape();
   const TopoDS_Shape straight = LineEdge(gp_Pnt(0, 0, 0), gp_Pnt(10, 0, 0));
-  const TopoDS_Shape pole = PartsOf(BRepPrimAPI_MakeSphere(5).Shape(), TopAbs_EDGE)[1];
   const TopoDS_Shape roof =
     PolygonWire({gp_Pnt(0, 0, 0), gp_Pnt(5, 5, 0), gp_Pnt(10, 0, 0)}, false);
   EXPECT_TRUE(Op::BuildSweep2(vertex, kRightRail, {roof}, 1).IsNull());
@@ -292,7 +291,7 @@ TEST(Sweep2, WhatCannotBeSweptGivesNull)
   EXPECT_TRUE(Op::BuildSweep2(kLeftRail, kRightRail, {vertex}, 1).IsNull());
   EXPECT_TRUE(Op::BuildSweep2(kLeftRail, kRightRail, {straight}, 1).IsNull())
     << "crashes the kernel";
-  EXPECT_TRUE(Op::BuildSweep2(kLeftRail, pole, {roof}, 1).IsNull());
+  EXPECT_TRUE(Op::BuildSweep2(kLeftRail, PoleOfSphere(), {roof}, 1).IsNull());
 }
 
 } // namespace

@@ -85,8 +85,11 @@ TEST(Trim, AFaceIsSplitAlongTheCutter)
     EXPECT_NEAR(areas[0], 12, 1e-6);
     EXPECT_NEAR(areas[1], 28, 1e-6);
   }
-  EXPECT_NEAR(AreasOfParts(Op::TrimSurface(FlatFace(20, 20), SquareWire(3, 5), true)).back(), 375,
-              1e-6);
+  const TopoDS_Face wide = BRepBuilderAPI_MakeFace(gp_Pln(gp::XOY()), -20, 20, -20, 20);
+  const std::vector<double> areas = AreasOfParts(Op::TrimSurface(wide, CircleWire(3, 5), true));
+  ASSERT_EQ(areas.size(), 2U);
+  EXPECT_NEAR(areas[0], M_PI * 25, 1e-4);
+  EXPECT_NEAR(areas[1], 1600 - M_PI * 25, 1e-4);
 }
 
 TEST(Trim, CuttersThatAreNone)
@@ -97,8 +100,8 @@ TEST(Trim, CuttersThatAreNone)
   EXPECT_TRUE(Op::TrimSurface(FlatFace(10, 4), vertex, true).IsNull());
   const TopoDS_Shape whole = Op::TrimSurface(FlatFace(10, 4), vertex, false);
   EXPECT_NEAR(AreaOf(whole), 40, 1e-9) << "no edge was bound";
-  const TopoDS_Shape pole = PartsOf(BRepPrimAPI_MakeSphere(5).Shape(), TopAbs_EDGE)[1];
-  EXPECT_TRUE(Op::TrimSurface(FlatFace(10, 4), pole, false).IsNull()) << "crashes the kernel";
+  EXPECT_TRUE(Op::TrimSurface(FlatFace(10, 4), PoleOfSphere(), false).IsNull())
+    << "crashes the kernel";
 }
 
 TEST(Intersect, SectionsHaveTheLengthOfTheCurve)
@@ -172,7 +175,7 @@ TEST(FaceContinuity, CreasesFilletsAndSeams)
   const SurfaceContinuityMetrics round =
     BetweenKinds(fillet.Shape(), GeomAbs_Plane, GeomAbs_Cylinder);
   EXPECT_NEAR(std::fmod(round.normalAngleDegrees, 180), 0, 1e-3);
-  EXPECT_NEAR(round.curvatureDifference, 0.5, 1e-9);
+  EXPECT_NEAR(round.curvatureDifference, 0, 1e-9) << "-1/2 along and 0 across, of which 0 is more";
 
   const TopoDS_Shape parts =
     Op::TrimSurface(FlatFace(10, 4), LineEdge(gp_Pnt(3, 0, 0), gp_Pnt(3, 4, 0)), false);

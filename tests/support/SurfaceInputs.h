@@ -91,6 +91,15 @@ inline std::vector<TopoDS_Shape> PartsOf(const TopoDS_Shape& shape, TopAbs_Shape
   return parts;
 }
 
+// An edge without a curve in space.
+inline TopoDS_Edge PoleOfSphere()
+{
+  for (const TopoDS_Shape& edge : PartsOf(BRepPrimAPI_MakeSphere(5).Shape(), TopAbs_EDGE))
+    if (BRep_Tool::Degenerated(TopoDS::Edge(edge)))
+      return TopoDS::Edge(edge);
+  return {};
+}
+
 // Shapes of all kinds that an operation may be given, some of which it must refuse: at scales from
 // 1e-9 to 1e9, crossing themselves, with places that are no numbers, null.
 class RandomShapes

@@ -55,22 +55,28 @@ bool IsClosed(const TopoDS_Wire& wire)
   return BRep_Tool::IsClosed(wire);
 }
 
-} // namespace
-
-void CheckSections(const std::vector<TopoDS_Wire>& sections, bool madeCompatible)
+void CheckWhatIsMadeCompatible(const std::vector<TopoDS_Wire>& sections)
 {
   if (std::any_of(sections.begin(), sections.end(), &IsTooSmall))
     throw AttemptFailure("a section is smaller than the kernel's tolerance");
   if (std::any_of(sections.begin(), sections.end(), &PassesAnEdgeTwice))
     throw AttemptFailure("a section passes an edge twice");
-  if (HasAsManyEdges(sections))
-    return;
-  if (!madeCompatible)
-    throw AttemptFailure("the sections have different numbers of edges");
   const bool haveLoops = std::any_of(sections.begin(), sections.end(), &IsClosed);
-  if (haveLoops && !std::all_of(sections.begin(), sections.end(), &IsSimpleLoop))
+  if (haveLoops && !HasAsManyEdges(sections) &&
+      !std::all_of(sections.begin(), sections.end(), &IsSimpleLoop))
     throw AttemptFailure(
       "sections with different numbers of edges cross themselves or lie in no plane");
+}
+
+} // namespace
+
+void CheckSections(const std::vector<TopoDS_Wire>& sections, const AdvancedLoftOptions& options)
+{
+  const bool isRuled = options.ruled || sections.size() == 2;
+  if (options.checkCompatibility)
+    CheckWhatIsMadeCompatible(sections);
+  else if (!isRuled && !HasAsManyEdges(sections))
+    throw AttemptFailure("the sections have different numbers of edges");
 }
 
 } // namespace Orvex
