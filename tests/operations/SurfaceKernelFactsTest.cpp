@@ -105,7 +105,8 @@ TEST(SurfaceKernelFacts, ASplitAlongAnEdgeWithoutACurveIsFatal)
   const TopoDS_Face face = BRepBuilderAPI_MakeFace(gp_Pln(gp::XOY()), 0, 10, 0, 4);
   const TopoDS_Edge pole = TopoDS::Edge(PartsOf(BRepPrimAPI_MakeSphere(5).Shape(), TopAbs_EDGE)[1]);
   EXPECT_TRUE(Splits(face, LineEdge(gp_Pnt(3, 0, 0), gp_Pnt(3, 4, 0))));
-  EXPECT_DEATH(Splits(face, PoleOfSphere()), "");
+  const TopoDS_Shape sphere = BRepPrimAPI_MakeSphere(3).Shape();
+  EXPECT_DEATH(Splits(TopoDS::Face(PartsOf(sphere, TopAbs_FACE).front()), PoleOfSphere()), "");
 }
 
 TEST(SurfaceKernelFacts, NoExtensionAboveOrderThree)

@@ -6,6 +6,7 @@
 #include <BRep_Tool.hxx>
 #include <Geom_Curve.hxx>
 #include <TopExp_Explorer.hxx>
+#include <TopTools_MapOfShape.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Face.hxx>
 
@@ -77,6 +78,14 @@ bool HasCurve(const TopoDS_Edge& edge)
 {
   double first = 0, last = 0;
   return !BRep_Tool::Curve(edge, first, last).IsNull();
+}
+
+bool PassesAnEdgeTwice(const TopoDS_Wire& wire)
+{
+  TopTools_MapOfShape passed;
+  const std::vector<TopoDS_Edge> edges = EdgesOf(wire);
+  return !std::all_of(edges.begin(), edges.end(),
+                      [&](const TopoDS_Edge& edge) { return passed.Add(edge); });
 }
 
 bool IsTooLargeToFollow(const TopoDS_Shape& shape)

@@ -9,7 +9,6 @@
 #include <BRep_Tool.hxx>
 #include <Bnd_Box.hxx>
 #include <Precision.hxx>
-#include <TopTools_MapOfShape.hxx>
 #include <TopoDS.hxx>
 
 #include <algorithm>
@@ -24,14 +23,6 @@ bool IsTooSmall(const TopoDS_Wire& wire)
   Bnd_Box box;
   BRepBndLib::AddOptimal(wire, box, false, false);
   return box.IsVoid() || std::sqrt(box.SquareExtent()) <= Precision::Confusion();
-}
-
-bool PassesAnEdgeTwice(const TopoDS_Wire& wire)
-{
-  TopTools_MapOfShape passed;
-  const std::vector<TopoDS_Edge> edges = EdgesOf(wire);
-  return !std::all_of(edges.begin(), edges.end(),
-                      [&](const TopoDS_Edge& edge) { return passed.Add(edge); });
 }
 
 bool IsSimpleLoop(const TopoDS_Wire& wire)
