@@ -5,6 +5,7 @@
 #include "operations/internal/AttemptLadder.h"
 #include "operations/internal/LoftLadder.h"
 #include "operations/internal/LoftSections.h"
+#include "operations/internal/SectionCheck.h"
 
 #include <BRepOffsetAPI_ThruSections.hxx>
 #include <BRep_Builder.hxx>
@@ -62,14 +63,12 @@ Shapes UsedGuides(const Shapes& guides, const AdvancedLoftOptions& options)
   return guides;
 }
 
-TopoDS_Shape TryLoft(const Shapes& sections, const Shapes& allGuides,
-                     const AdvancedLoftOptions& options)
+std::vector<TopoDS_Wire> PlacedSections(const Shapes& sections, const Shapes& guides,
+                                        const AdvancedLoftOptions& options)
 {
-  Loft loft(options.solid, options.ruled, options.tolerance);
-  Apply(options, loft);
-  const Shapes guides = UsedGuides(allGuides, options);
   // One copier, since sections may share vertices.
   TopologyCopier copier;
+  std::vector<TopoDS_Wire> wires;
   const std::size_t last = sections.size() - 1;
   for (std::size_t i = 0; i <= last; ++i) {
     TopoDS_Wire wire = ToWire(copier.Copy(sections[i]));
@@ -78,8 +77,19 @@ TopoDS_Shape TryLoft(const Shapes& sections, const Shapes& allGuides,
     if (i > 0 && i < last && !guides.empty())
       wire =
         MovedByGuides(wire, guides, static_cast<double>(i) / static_cast<double>(last), options);
-    loft.AddWire(wire);
+    wires.push_back(wire);
   }
+  CheckSections(wires, options);
+  return wires;
+}
+
+TopoDS_Shape TryLoft(const Shapes& sections, const Shapes& guides,
+                     const AdvancedLoftOptions& options)
+{
+  Loft loft(options.solid, options.ruled, options.tolerance);
+  Apply(options, loft);
+  for (const TopoDS_Wire& wire : PlacedSections(sections, UsedGuides(guides, options), options))
+    loft.AddWire(wire);
   loft.Build();
   return ShapeIfDone(loft);
 }

@@ -17,7 +17,8 @@
 //   vertices, edges or faces.
 // - The same input gives the same result; any number of threads may call at once.
 // - Shapes with vertices at NaN, infinity or beyond 1e100, on which the kernel never comes to an
-//   end, give a null result; so do curved shapes beyond 4e8 that are to be projected.
+//   end, give a null result; so do curved shapes beyond 4e8 that are to be
+//   projected or filled.
 //
 // Units: lengths in model units.
 // Errors: no failure of the kernel leaves, with the exceptions named below.
@@ -166,6 +167,8 @@ public:
   // How two faces meet at the middle of the first edge that both have. The tolerance is the length
   // up to which derivatives count as none.
   // Errors: Standard_Failure passes.
+  // Caveat: the maximum curvature has a sign, and the absolute value comes after: where surfaces
+  //   bend away from their normals, as a cylinder with an outward one, the maximum is 0.
   static SurfaceContinuityMetrics
   EvaluateFaceContinuity(const TopoDS_Face& face1, const TopoDS_Face& face2, double tolerance);
 

@@ -96,13 +96,20 @@ const char* TextOf(Status status)
   return kTexts[static_cast<int>(status)];
 }
 
+// Also of an edge that runs to infinity, which has no vertices.
+bool IsBounded(const TopoDS_Edge& edge)
+{
+  const EdgeEnds ends = EndsOf(edge);
+  return HasFinitePlaces(edge) && IsFinite(ends.first.Distance(ends.last));
+}
+
 const char* ReasonToRefuse(const BuildOptions& options)
 {
   const Status status = StatusOf(options);
   if (status != Status::Valid)
     return TextOf(status);
-  const bool isFinite = HasFinitePlaces(options.first.edge) && HasFinitePlaces(options.second.edge);
-  return isFinite ? nullptr : "an edge has a vertex at no finite place";
+  const bool areBounded = IsBounded(options.first.edge) && IsBounded(options.second.edge);
+  return areBounded ? nullptr : "an edge has an end at no finite place";
 }
 
 TopoDS_Edge Connector(const gp_Pnt& from, const gp_Pnt& to)

@@ -6,7 +6,6 @@
 #include "kernel/internal/TopologyCopy.h"
 #include "operations/internal/AttemptLadder.h"
 
-#include <BRepAdaptor_Curve.hxx>
 #include <BRepAdaptor_Surface.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepFeat_SplitShape.hxx>
@@ -18,14 +17,9 @@
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
 
-#include <algorithm>
-#include <cmath>
-
 using namespace Orvex;
 
 namespace {
-
-constexpr double kFarOut = 4e8;
 
 struct Extension
 {
@@ -86,30 +80,6 @@ TopoDS_Shape Extend(const TopoDS_Face& face, double length, int side, int contin
   return BuiltBy(TextOf(extension, order), extend, report);
 }
 
-bool IsCurved(const TopoDS_Edge& edge)
-{
-  return HasCurve(edge) && BRepAdaptor_Curve(edge).GetType() != GeomAbs_Line;
-}
-
-bool IsFarOut(const TopoDS_Shape& vertex)
-{
-  const gp_Pnt place = BRep_Tool::Pnt(TopoDS::Vertex(vertex));
-  return std::max({std::abs(place.X()), std::abs(place.Y()), std::abs(place.Z())}) > kFarOut;
-}
-
-// Out there neighbouring numbers lie further apart than the kernel's tolerance, and it looks for
-// points on curves that are closer.
-bool IsTooLarge(const TopoDS_Shape& shape)
-{
-  const std::vector<TopoDS_Edge> edges = EdgesOf(shape);
-  if (std::none_of(edges.begin(), edges.end(), &IsCurved))
-    return false;
-  TopExp_Explorer vertex(shape, TopAbs_VERTEX);
-  while (vertex.More() && !IsFarOut(vertex.Current()))
-    vertex.Next();
-  return vertex.More();
-}
-
 TopoDS_Shape NormalProjection(const TopoDS_Shape& wire, const TopoDS_Shape& face)
 {
   BRepOffsetAPI_NormalProjection projection(face);
@@ -142,7 +112,7 @@ TopoDS_Shape Trim(const TopoDS_Face& givenFace, const TopoDS_Shape& givenCutter,
   TopologyCopier copier;
   const TopoDS_Face face = TopoDS::Face(copier.Copy(givenFace));
   TopoDS_Shape cutter = copier.Copy(givenCutter);
-  if (project && (IsTooLarge(face) || IsTooLarge(cutter)))
+  if (project && (IsTooLargeToFollow(face) || IsTooLargeToFollow(cutter)))
     return Refused(report, "a curved shape of this size takes the kernel for ever");
   if (project)
     cutter = WireOfCurve(cutter);
@@ -200,7 +170,7 @@ TopoDS_Shape Project(const TopoDS_Shape& curve, const TopoDS_Shape& surface,
     return Refused(report, "there is no face to project to");
   if (!HasFinitePlaces(wire) || !HasFinitePlaces(face))
     return Refused(report, "a vertex is at no finite place");
-  if (IsTooLarge(wire) || IsTooLarge(face))
+  if (IsTooLargeToFollow(wire) || IsTooLargeToFollow(face))
     return Refused(report, "a curved shape of this size takes the kernel for ever");
   if (surface.ShapeType() != TopAbs_FACE)
     report.notes.emplace_back("the projection is on the first face only");

@@ -14,6 +14,8 @@
 #include <TopoDS.hxx>
 
 #include <algorithm>
+#include <locale>
+#include <sstream>
 
 using namespace Orvex;
 
@@ -83,6 +85,8 @@ void CheckLevel(const TopoDS_Edge& edge, GeomAbs_Shape order)
 TopoDS_Shape Filled(const FillingSettings& settings, const TopoDS_Wire& wire, const Orders& orders,
                     const Points& points)
 {
+  if (IsTooLargeToFollow(wire))
+    throw AttemptFailure("curved edges of this size take the kernel for ever");
   BRepOffsetAPI_MakeFilling filling(settings.degree, 15, settings.iterations, false, 1e-5,
                                     settings.tolerance, 0.01, 0.1, 8, 9);
   const std::vector<TopoDS_Edge> edges = EdgesOf(TopologyCopier().Copy(wire));
@@ -141,12 +145,11 @@ FillingSettings SettingsFor(double quality)
 
 std::string TextOf(const FillingSettings& settings, const Orders& orders)
 {
-  return std::string("degree ")
-    .append(std::to_string(settings.degree))
-    .append(", ")
-    .append(std::to_string(settings.iterations))
-    .append(" iterations, ")
-    .append(TextOf(orders));
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  text << "degree " << settings.degree << ", " << settings.iterations << " iterations, tolerance "
+       << settings.tolerance << ", " << TextOf(orders);
+  return std::move(text).str();
 }
 
 bool IsFinitePoint(const gp_Pnt& point)

@@ -69,11 +69,12 @@ bool IsPlanar(const TopoDS_Wire& wire)
   return BRepBuilderAPI_MakeFace(wire, true).IsDone();
 }
 
-// The kernel passes over edges without a curve, and takes it that others are left.
+// The kernel passes over edges without a curve, and takes it that others are left and are passed
+// once.
 bool IsRail(const TopoDS_Wire& wire)
 {
   const std::vector<TopoDS_Edge> edges = EdgesOf(wire);
-  return std::any_of(edges.begin(), edges.end(), &HasCurve);
+  return std::any_of(edges.begin(), edges.end(), &HasCurve) && !PassesAnEdgeTwice(wire);
 }
 
 TopoDS_Shape PipeAlong(const SweepInput& input)

@@ -124,16 +124,20 @@ Shapes Several(RandomShapes& shapes, int most)
   return several;
 }
 
-// Sections of one kind in a row, as a sound loft has them.
+// Sections in a row, as a sound loft has them: of one kind, or loops of any.
 Shapes Row(RandomShapes& shapes, int count)
 {
   Shapes row;
-  const int kind = shapes.random.Index(3);
+  const int kind = shapes.random.Index(4);
   for (int i = 0; i < count; ++i) {
-    const double size = shapes.random.Real(3, 6);
-    row.push_back(kind == 0   ? TopoDS_Shape(CircleWire(4 * i, size))
-                  : kind == 1 ? TopoDS_Shape(SquareWire(4 * i, size))
-                              : TopoDS_Shape(ArcAt(4 * i, size, 0.5, 2)));
+    const double z = 4 * i, size = shapes.random.Real(3, 6);
+    const int corners = kind == 3 ? 2 + shapes.random.Index(6) : 4;
+    if (kind == 0)
+      row.push_back(ArcAt(z, size, 0.5, 2));
+    else if (kind == 1 || corners == 2)
+      row.push_back(CircleWire(z, size));
+    else
+      row.push_back(RegularWire(z, size, corners));
   }
   return row;
 }

@@ -20,6 +20,7 @@
 #include <gp_Circ.hxx>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -73,12 +74,30 @@ inline TopoDS_Wire SquareWire(double z, double size)
     {gp_Pnt(0, 0, z), gp_Pnt(size, 0, z), gp_Pnt(size, size, z), gp_Pnt(0, size, z)}, true);
 }
 
+inline TopoDS_Wire RegularWire(double z, double radius, int corners)
+{
+  std::vector<gp_Pnt> points;
+  for (int i = 0; i < corners; ++i)
+    points.emplace_back(radius * std::cos(2 * M_PI * i / corners),
+                        radius * std::sin(2 * M_PI * i / corners), z);
+  return PolygonWire(points, true);
+}
+
 inline std::vector<TopoDS_Shape> PartsOf(const TopoDS_Shape& shape, TopAbs_ShapeEnum type)
 {
   std::vector<TopoDS_Shape> parts;
   for (TopExp_Explorer part(shape, type); part.More(); part.Next())
     parts.push_back(part.Current());
   return parts;
+}
+
+// An edge without a curve in space.
+inline TopoDS_Edge PoleOfSphere()
+{
+  for (const TopoDS_Shape& edge : PartsOf(BRepPrimAPI_MakeSphere(5).Shape(), TopAbs_EDGE))
+    if (BRep_Tool::Degenerated(TopoDS::Edge(edge)))
+      return TopoDS::Edge(edge);
+  return {};
 }
 
 // Shapes of all kinds that an operation may be given, some of which it must refuse: at scales from

@@ -24,6 +24,13 @@ std::vector<TopoDS_Edge> EdgesOf(const TopoDS_Shape& shape);
 // Whether an edge is a curve in space: degenerate edges are not.
 bool HasCurve(const TopoDS_Edge& edge);
 
+// Whether an edge occurs twice, as the seam in the border of a cylinder does.
+bool PassesAnEdgeTwice(const TopoDS_Wire& wire);
+
+// Whether a shape has curved edges and lies so far out, beyond 4e8, that neighbouring numbers are
+// further apart than the kernel's tolerance: it looks for closer points on them, almost for ever.
+bool IsTooLargeToFollow(const TopoDS_Shape& shape);
+
 // The same thing at the same place, whatever the orientations; a null shape is like none.
 bool IsSameShape(const TopoDS_Shape& first, const TopoDS_Shape& second);
 
