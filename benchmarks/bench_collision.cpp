@@ -79,7 +79,7 @@ void ForgetMeshes(const Scene& scene)
 void MeshAll(const Scene& scene, const OrvexCollisionConfig& config)
 {
   const double deflection = Orvex::MeshDeflection(config, scene.stats);
-  Orvex::MeshDistinctShapes(scene.shapes, {deflection, true, deflection}, [] { return false; });
+  Orvex::MeshDistinctShapes(scene.shapes, Orvex::FinenessFor(deflection), [] { return false; });
 }
 
 std::vector<Tree> TreesOf(const Scene& scene)
