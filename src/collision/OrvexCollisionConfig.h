@@ -35,6 +35,7 @@ struct ORVEX_API OrvexCollisionConfig
   // Copied into the metrics, used for nothing else.
   double reportedDeflection = 0.003;
   // Times the diagonal: how fine meshes are, as the kernel's relative deflection and as its angle.
+  // No finer than 3e-4 and 0.05, whatever comes out: the kernel would mesh for minutes.
   double relativeMeshDeflection = 0.001;
   double reservedDouble = 0.0005; // read by nothing
   bool reservedFlag = false;      // read by nothing

@@ -12,8 +12,8 @@ struct OrvexModelPart;
 struct ORVEX_API OrvexSceneStats
 {
   std::size_t partCount = 0;
-  // Of the box around all parts, in model units. 0: unknown. Meshes are then as fine as they can
-  // be, which takes minutes for curved parts.
+  // Of the box around all parts, in model units. 0: unknown; meshes are then as fine as they can
+  // be, which takes seconds for a curved part.
   double sceneDiagonal = 0;
   // In cubic model units.
   double largestVolume = 0;

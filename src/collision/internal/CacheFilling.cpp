@@ -1,7 +1,6 @@
 #include "collision/internal/CacheFilling.h"
 
 #include "collision/internal/ParallelLoop.h"
-#include "collision/internal/ShapeMeshing.h"
 
 namespace Orvex {
 
@@ -18,6 +17,14 @@ double MeshDeflection(const OrvexCollisionConfig& config, const OrvexSceneStats&
   return std::max(1e-5, stats.sceneDiagonal * config.relativeMeshDeflection);
 }
 
+// The deflection is an angle, too. Asked for less than the values below (by a scene in metres, or
+// one without statistics), the mesher takes minutes and all the memory that there is for one torus.
+MeshFineness FinenessFor(double deflection)
+{
+  constexpr double kLeastDeflection = 3e-4, kLeastAngle = 0.05;
+  return {std::max(kLeastDeflection, deflection), true, std::max(kLeastAngle, deflection)};
+}
+
 void MakeTrees(PartCache<OrvexCollisionEngine::TriBVH>& cache, const std::vector<int>& parts,
                const std::function<bool()>& isOver, OrvexCollisionTrace* trace)
 {
@@ -25,8 +32,7 @@ void MakeTrees(PartCache<OrvexCollisionEngine::TriBVH>& cache, const std::vector
   std::vector<TopoDS_Shape> shapes;
   for (const int part : missing)
     shapes.push_back(cache.ShapeOf(part));
-  const int meshed =
-    MeshDistinctShapes(shapes, {cache.Deflection(), true, cache.Deflection()}, isOver);
+  const int meshed = MeshDistinctShapes(shapes, FinenessFor(cache.Deflection()), isOver);
   // A part that was not meshed must not pass for one that cannot be.
   if (isOver())
     return;

@@ -4,6 +4,7 @@
 #include "collision/OrvexCollisionEngine.h"
 #include "collision/internal/FaceBoxes.h"
 #include "collision/internal/PartCache.h"
+#include "collision/internal/ShapeMeshing.h"
 #include "collision/internal/TriBVH.h"
 
 namespace Orvex {
@@ -11,6 +12,9 @@ namespace Orvex {
 std::vector<TopoDS_Shape> ShapesOf(const std::vector<OrvexModelPart>& parts);
 
 double MeshDeflection(const OrvexCollisionConfig& config, const OrvexSceneStats& stats);
+
+// What the kernel's mesher is asked for: no finer than it can do in seconds.
+MeshFineness FinenessFor(double deflection);
 
 // Meshes the parts that have no entry yet, and makes their trees, side by side. Once `isOver` is
 // true, the rest is left for another time. The trace may be null.
