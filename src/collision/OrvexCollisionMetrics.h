@@ -1,9 +1,7 @@
 // Figures of one run of the collision engine.
 #pragma once
 
-#include "foundation/Export.h"
-
-struct ORVEX_API OrvexCollisionMetrics
+struct OrvexCollisionMetrics
 {
   int partCount = 0;
   // Pairs to test.

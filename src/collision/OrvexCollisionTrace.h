@@ -3,7 +3,6 @@
 #pragma once
 
 #include "collision/OrvexCollisionResult.h"
-#include "foundation/Export.h"
 
 #include <array>
 #include <cstddef>
@@ -13,7 +12,7 @@
 enum class OrvexCollisionStage { Box, Mesh, Exact, Boolean };
 
 // Two parts that a run cleared, though they overlap.
-struct ORVEX_API OrvexMissedOverlap
+struct OrvexMissedOverlap
 {
   int partA = -1;
   int partB = -1;
@@ -23,7 +22,7 @@ struct ORVEX_API OrvexMissedOverlap
   double overlapVolume = 0;
 };
 
-struct ORVEX_API OrvexCollisionTrace
+struct OrvexCollisionTrace
 {
   static constexpr std::size_t kStageCount = 4;
 

@@ -1,9 +1,7 @@
 // How OrvexMeshRoiBoolean looks for the region and clips to it. Lengths in model units.
 #pragma once
 
-#include "foundation/Export.h"
-
-struct ORVEX_API OrvexMeshRoiBooleanConfig
+struct OrvexMeshRoiBooleanConfig
 {
   // Around the region, as a share of its diagonal; the larger of this and the next counts.
   double relativeMargin = 0.05;

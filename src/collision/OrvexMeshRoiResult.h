@@ -1,15 +1,13 @@
 // What OrvexMeshRoiBoolean found, and how it went.
 #pragma once
 
-#include "foundation/Export.h"
-
 #include <Bnd_Box.hxx>
 #include <TopoDS_Shape.hxx>
 
 #include <cstddef>
 #include <string>
 
-struct ORVEX_API OrvexMeshRoiResult
+struct OrvexMeshRoiResult
 {
   // The common solid; null if there is none.
   TopoDS_Shape shape;
@@ -24,7 +22,7 @@ struct ORVEX_API OrvexMeshRoiResult
   std::string message;
 };
 
-struct ORVEX_API OrvexMeshRoiTrace
+struct OrvexMeshRoiTrace
 {
   // Of the meshes of what is left.
   std::size_t trianglesA = 0;
