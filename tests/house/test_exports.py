@@ -48,8 +48,8 @@ def symbols(library):
                              text=True, check=True)
     for line in listing.stdout.splitlines():
         _, kind, name = line.split(" ", 2)
-        # The linker's own marks, and the sanitizers'.
-        if not re.match(r"_end$|_edata$|__bss_start$|__(odr_)?(asan|ubsan|lsan)", name):
+        # The linker's own marks, the sanitizers', and the locks of OpenMP.
+        if not re.match(r"_end$|_edata$|__bss_start$|__(odr_)?(asan|ubsan|lsan)|\.gomp_critical", name):
             yield kind, name
 
 
