@@ -56,8 +56,7 @@ inline TopoDS_Shape Gear(double radius, int teeth)
     outline.Add(gp_Pnt(r * std::cos(angle), r * std::sin(angle), 0));
   }
   outline.Close();
-  return BRepPrimAPI_MakePrism(BRepBuilderAPI_MakeFace(outline.Wire()),
-                               gp_Vec(0, 0, 0.3 * radius));
+  return BRepPrimAPI_MakePrism(BRepBuilderAPI_MakeFace(outline.Wire()), gp_Vec(0, 0, 0.3 * radius));
 }
 
 constexpr int kPartKinds = 7;
@@ -98,8 +97,8 @@ inline gp_Trsf Shift(double x, double y, double z)
   return shift;
 }
 
-// Parts of all kinds, each a shape of its own, on a loose lattice; about one in `everyMeets` is moved
-// so near to the one before it that the two touch or overlap.
+// Parts of all kinds, each a shape of its own, on a loose lattice; about one in `everyMeets` is
+// moved so near to the one before it that the two touch or overlap.
 inline std::vector<TopoDS_Shape> SceneOfParts(std::uint64_t seed, int count, int everyMeets = 14)
 {
   Random random(seed);
