@@ -363,6 +363,7 @@ void BM_AccurateAgainstKernel(benchmark::State& state)
 BENCHMARK(BM_AccurateAgainstKernel)
   ->Arg(100)
   ->Arg(300)
+  ->Arg(1000)
   ->Iterations(3)
   ->UseManualTime()
   ->Unit(benchmark::kMillisecond);
