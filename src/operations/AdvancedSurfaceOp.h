@@ -80,7 +80,9 @@ public:
   // continuity given (above 2 counts as 2, below 0 as 1). A single one is swept along the first
   // rail and held in contact with the second; a solid if it is closed or planar and the kernel can
   // close the sweep, otherwise a shell.
-  // Returns: null if a rail is no curve, without sections, and for a single one that isn't planar.
+  // Returns: null if a rail is no curve, without sections, for a single one that isn't planar, and
+  //   for one that lies further than its own size from rails of which the first has several edges.
+  // Caveat: the sweep of a single section that is far from its rails can take many seconds.
   static TopoDS_Shape BuildSweep2(const TopoDS_Shape& rail1, const TopoDS_Shape& rail2,
                                   const Shapes& sections, int continuity);
   static TopoDS_Shape BuildSweep2(const TopoDS_Shape& rail1, const TopoDS_Shape& rail2,

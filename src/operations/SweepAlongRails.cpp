@@ -4,12 +4,16 @@
 #include "operations/AdvancedSurfaceOp.h"
 #include "operations/internal/AttemptLadder.h"
 
+#include <BRepBndLib.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
+#include <BRepExtrema_DistShapeShape.hxx>
 #include <BRepOffsetAPI_MakePipeShell.hxx>
 #include <BRep_Tool.hxx>
+#include <Bnd_Box.hxx>
 #include <TopoDS.hxx>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Orvex;
 
@@ -77,11 +81,26 @@ bool IsRail(const TopoDS_Wire& wire)
   return std::any_of(edges.begin(), edges.end(), &HasCurve) && !PassesAnEdgeTwice(wire);
 }
 
+// Now and then the kernel crashes at the corners of the first rail, if the profile lies further off
+// than one and a half times its own size; in two thousand random sweeps never from closer by.
+bool IsNearRails(const TopoDS_Wire& profile, const SweepInput& input)
+{
+  if (EdgesOf(input.rail1).size() == 1)
+    return true;
+  Bnd_Box box;
+  BRepBndLib::Add(profile, box);
+  const double size = std::sqrt(box.SquareExtent());
+  return BRepExtrema_DistShapeShape(profile, input.rail1).Value() <= size &&
+         BRepExtrema_DistShapeShape(profile, input.rail2).Value() <= size;
+}
+
 TopoDS_Shape PipeAlong(const SweepInput& input)
 {
   const TopoDS_Wire profile = TopoDS::Wire(input.wires.front());
   if (!IsPlanar(profile))
     throw AttemptFailure("the section lies in no plane, or in many");
+  if (!IsNearRails(profile, input))
+    throw AttemptFailure("the section lies further from rails of several edges than its size");
   BRepOffsetAPI_MakePipeShell pipe(input.rail1);
   pipe.SetMode(input.rail2, true, BRepFill_ContactOnBorder);
   pipe.Add(profile, false, true);

@@ -267,6 +267,16 @@ TEST(Sweep2, OneSectionRunsAlongBothRails)
   EXPECT_NEAR(AreaOf(swept), 2 * std::sqrt(50) * 20, 1e-3);
 }
 
+TEST(Sweep2, AClosedSectionGivesASolid)
+{
+  const TopoDS_Wire prism = PolygonWire({gp_Pnt(0, 0, 0), gp_Pnt(5, 5, 0), gp_Pnt(10, 0, 0)}, true);
+  OperationReport report;
+  const TopoDS_Shape swept = Op::BuildSweep2(kLeftRail, kRightRail, {prism}, 1, &report);
+  ASSERT_FALSE(swept.IsNull()) << report.Text();
+  EXPECT_EQ(swept.ShapeType(), TopAbs_SOLID);
+  EXPECT_NEAR(std::abs(VolumeOf(swept)), 500, 1e-3);
+}
+
 TEST(Sweep2, SeveralSectionsAreLofted)
 {
   const Shapes arcs = {ArcAt(0, 5, 0, M_PI), ArcAt(20, 5, 0, M_PI)};

@@ -1,6 +1,6 @@
 // Every operation on surfaces over random inputs, sound and unsound: no crash, no hang, nothing
-// thrown where nothing may be, inputs left as they were, the same result twice, and a report that
-// agrees with the result. The counts are printed as properties of the tests.
+// thrown where nothing may be, inputs left as they were, and a report that
+// agrees with the result. The counts are printed.
 #include "operations/AdvancedSurfaceOp.h"
 
 #include "kernel/internal/BrepText.h"

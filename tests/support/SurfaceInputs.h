@@ -122,85 +122,58 @@ public:
 
   TopoDS_Edge Edge()
   {
-    switch (random.Index(16)) {
-    case 0:
+    const int kind = random.Index(16);
+    if (kind == 0)
       return {};
-    case 1:
-      return FromFace();
-    case 2:
-    case 3:
-    case 4:
-    case 5:
-      return Arc();
-    case 6:
-    case 7:
-    case 8:
-    case 9:
-      return BezierEdge({Point(), Point(), Point(), Point()});
-    case 10:
+    if (kind == 1)
+      return TopoDS::Edge(AnyOf(Face(), TopAbs_EDGE));
+    if (kind == 2)
       return BezierEdge({Point(), Nowhere(), Point()});
-    default:
-      return Line();
-    }
+    if (kind < 7)
+      return BezierEdge({Point(), Point(), Point(), Point()});
+    return kind < 11 ? Arc() : LineEdge(Point(), kind == 11 ? Nowhere() : Point());
   }
 
   TopoDS_Wire Wire()
   {
-    switch (random.Index(10)) {
-    case 0:
+    const int kind = random.Index(10);
+    if (kind == 0)
       return {};
-    case 1:
-    case 2:
-      return OfEdge(Edge());
-    case 3:
-      return BoundaryOfFace();
-    case 4:
-    case 5:
-      return CircleWire(Place(), Length());
-    case 6:
-      return Flat(3 + random.Index(3), random.Index(2) == 0);
-    default:
-      return Crooked(2 + random.Index(4), random.Index(2) == 0);
-    }
+    const TopoDS_Edge edge = Edge();
+    if (kind == 1)
+      return edge.IsNull() ? TopoDS_Wire() : WireFrom(edge);
+    if (kind == 2)
+      return TopoDS::Wire(AnyOf(Face(), TopAbs_WIRE));
+    return kind < 5 ? CircleWire(Place(), Length()) : Polygon(kind < 7);
   }
 
   TopoDS_Shape Curve()
   {
-    switch (random.Index(12)) {
-    case 0:
+    const int kind = random.Index(12);
+    if (kind == 0)
       return {};
-    case 1:
-      return BRepBuilderAPI_MakeVertex(Point()).Vertex();
-    case 2:
+    if (kind == 1)
+      return BRepBuilderAPI_MakeVertex(Point()).Shape();
+    if (kind == 2)
       return Face();
-    case 3:
-      return Compound({Edge(), Edge()});
-    case 4:
-    case 5:
-      return Edge();
-    default:
-      return Wire();
-    }
+    if (kind == 3)
+      return PairOf(Face(), Wire());
+    return kind < 6 ? TopoDS_Shape(Edge()) : TopoDS_Shape(Wire());
   }
 
   TopoDS_Face Face()
   {
-    const std::vector<TopoDS_Shape> faces = PartsOf(Solid(), TopAbs_FACE);
-    return TopoDS::Face(
-      faces[static_cast<std::size_t>(random.Index(static_cast<int>(faces.size())))]);
+    return TopoDS::Face(AnyOf(Solid(), TopAbs_FACE));
   }
 
   TopoDS_Shape Solid()
   {
     const gp_Ax2 axes(Point(), gp::DZ());
-    switch (random.Index(3)) {
-    case 0:
+    const int kind = random.Index(3);
+    if (kind == 0)
       return BRepPrimAPI_MakeSphere(axes, Length()).Shape();
-    case 1:
-      return BRepPrimAPI_MakeCylinder(axes, Length(), Length()).Shape();
-    default:
-      return BRepPrimAPI_MakeBox(axes, Length(), Length(), Length()).Shape();
-    }
+    return kind == 1 ? BRepPrimAPI_MakeCylinder(axes, Length(), Length()).Shape()
+                     : BRepPrimAPI_MakeBox(axes, Length(), Length(), Length()).Shape();
   }
 
   // A number as options hold it: sound, at a limit, or none.
@@ -237,73 +210,36 @@ private:
     return {Place(), kNowhere[random.Index(3)], Place()};
   }
 
-  TopoDS_Edge Line()
-  {
-    const gp_Pnt from = Point();
-    BRepBuilderAPI_MakeEdge line(from, random.Index(12) == 0 ? Nowhere() : Point());
-    return line.IsDone() ? line.Edge() : TopoDS_Edge();
-  }
-
   TopoDS_Edge Arc()
   {
     const double from = random.Real(0, 3);
     return ArcAt(Place(), Length(), from, from + random.Real(0.1, 3));
   }
 
-  TopoDS_Edge FromFace()
+  TopoDS_Shape AnyOf(const TopoDS_Shape& shape, TopAbs_ShapeEnum type)
   {
-    return TopoDS::Edge(PartsOf(Face(), TopAbs_EDGE).front());
+    const std::vector<TopoDS_Shape> parts = PartsOf(shape, type);
+    return parts[static_cast<std::size_t>(random.Index(static_cast<int>(parts.size())))];
   }
 
-  TopoDS_Wire BoundaryOfFace()
-  {
-    return TopoDS::Wire(PartsOf(Face(), TopAbs_WIRE).front());
-  }
-
-  static TopoDS_Wire OfEdge(const TopoDS_Edge& edge)
-  {
-    if (edge.IsNull())
-      return {};
-    BRepBuilderAPI_MakeWire wire(edge);
-    return wire.IsDone() ? wire.Wire() : TopoDS_Wire();
-  }
-
-  TopoDS_Wire Polygon(std::vector<gp_Pnt> points, bool closed)
-  {
-    BRepBuilderAPI_MakePolygon polygon;
-    for (const gp_Pnt& point : points)
-      polygon.Add(point);
-    if (closed)
-      polygon.Close();
-    return polygon.IsDone() ? polygon.Wire() : TopoDS_Wire();
-  }
-
-  // In a plane; may cross itself.
-  TopoDS_Wire Flat(int count, bool closed)
+  // Open or closed, in a plane or not; may cross itself.
+  TopoDS_Wire Polygon(bool flat)
   {
     const double z = Place();
     std::vector<gp_Pnt> points;
-    for (int i = 0; i < count; ++i)
-      points.emplace_back(Place(), Place(), z);
-    return Polygon(points, closed);
+    for (int count = 3 + random.Index(3); count > 0; --count)
+      points.emplace_back(Place(), Place(), flat ? z : Place());
+    return PolygonWire(points, random.Index(2) == 0);
   }
 
-  TopoDS_Wire Crooked(int count, bool closed)
+  static TopoDS_Shape PairOf(const TopoDS_Shape& first, const TopoDS_Shape& second)
   {
-    std::vector<gp_Pnt> points;
-    for (int i = 0; i < count; ++i)
-      points.push_back(Point());
-    return Polygon(points, closed && count > 2);
-  }
-
-  static TopoDS_Shape Compound(const std::vector<TopoDS_Shape>& shapes)
-  {
-    TopoDS_Compound compound;
-    BRep_Builder().MakeCompound(compound);
-    for (const TopoDS_Shape& shape : shapes)
-      if (!shape.IsNull())
-        BRep_Builder().Add(compound, shape);
-    return compound;
+    TopoDS_Compound pair;
+    BRep_Builder().MakeCompound(pair);
+    BRep_Builder().Add(pair, first);
+    if (!second.IsNull())
+      BRep_Builder().Add(pair, second);
+    return pair;
   }
 
   double scale = 1;
