@@ -1,10 +1,10 @@
 #include "collision/OrvexMeshRoiBoolean.h"
 
 #include "collision/internal/BoxClip.h"
-#include "collision/internal/BoxLimits.h"
 #include "collision/internal/ExactStages.h"
 #include "collision/internal/RegionReduction.h"
 #include "collision/internal/RoiOctree.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <BRepGProp.hxx>
 #include <BRep_Tool.hxx>

@@ -1,5 +1,6 @@
 #include "foundation/OrvexDebugLogFile.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -34,6 +35,7 @@ struct OrvexDebugLogFile::State
   std::deque<std::string> ring;
   std::string buffer;
   std::FILE* file = nullptr;
+  std::atomic<bool> wantsDetail = false;
 
   void WriteBuffer()
   {
@@ -72,6 +74,7 @@ OrvexDebugLogFile::OrvexDebugLogFile(const std::string& path) : state(std::make_
 {
   if (!path.empty())
     state->file = std::fopen(path.c_str(), "ae");
+  state->wantsDetail = state->file != nullptr;
 }
 
 OrvexDebugLogFile::~OrvexDebugLogFile()
@@ -89,6 +92,16 @@ void OrvexDebugLogFile::dumpToFile(std::string line)
   } catch (...) {
     // A log that cannot grow loses the line; the work it reports on goes on.
   }
+}
+
+bool OrvexDebugLogFile::WantsDetail() const
+{
+  return state->wantsDetail.load(std::memory_order_relaxed);
+}
+
+void OrvexDebugLogFile::SetWantsDetail(bool isWanted)
+{
+  state->wantsDetail = isWanted;
 }
 
 std::vector<std::string> OrvexDebugLogFile::Lines() const

@@ -34,6 +34,11 @@ public:
   // Appends a line. Safe from any thread; never throws.
   void dumpToFile(std::string line);
 
+  // Whether lines about each single step of a pick are wanted, which cost more than the step. From
+  // the start if the log goes to a file; else not.
+  bool WantsDetail() const;
+  void SetWantsDetail(bool isWanted);
+
   // The lines in the ring, oldest first.
   std::vector<std::string> Lines() const;
 

@@ -260,6 +260,18 @@ TEST(Loft, TheKernelsFailureToSmoothIsNoCrash)
 const TopoDS_Edge kLeftRail = LineEdge(gp_Pnt(0, 0, 0), gp_Pnt(0, 0, 20));
 const TopoDS_Edge kRightRail = LineEdge(gp_Pnt(10, 0, 0), gp_Pnt(10, 0, 20));
 
+TEST(Loft, SmoothingNeedsContinuity)
+{
+  Options options;
+  options.continuity = 0;
+  OperationReport report;
+  EXPECT_FALSE(Op::BuildAdvancedLoft(Circles(4), {}, options, &report).IsNull());
+  ASSERT_EQ(report.attempts.size(), 3);
+  EXPECT_EQ(report.attempts.front().reason, "smoothing without continuity");
+  EXPECT_EQ(report.Winner(), &report.attempts.back());
+  EXPECT_EQ(report.Winner()->description.find("smoothing"), std::string::npos);
+}
+
 TEST(Sweep2, OneSectionRunsAlongBothRails)
 {
   const TopoDS_Wire roof = PolygonWire({gp_Pnt(0, 0, 0), gp_Pnt(5, 5, 0), gp_Pnt(10, 0, 0)}, false);

@@ -1,7 +1,7 @@
 // What of a shape lies in a box with sides along the axes.
 #pragma once
 
-#include "collision/internal/BoxLimits.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <TopoDS_Shape.hxx>
 

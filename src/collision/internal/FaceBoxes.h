@@ -2,7 +2,7 @@
 #pragma once
 
 #include "collision/OrvexCollisionEngine.h"
-#include "collision/internal/BoxLimits.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <TopoDS_Shape.hxx>
 

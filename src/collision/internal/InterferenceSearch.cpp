@@ -1,7 +1,7 @@
 #include "collision/internal/InterferenceSearch.h"
 
-#include "collision/internal/BoxLimits.h"
 #include "collision/internal/ExactStages.h"
+#include "kernel/internal/BoxLimits.h"
 #include "kernel/internal/OperandKeeping.h"
 
 #include <BRepBndLib.hxx>

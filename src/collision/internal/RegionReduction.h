@@ -10,7 +10,7 @@
 // can go, and with it the wires. Features that bear others go only together with those.
 #pragma once
 
-#include "collision/internal/BoxLimits.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <TopTools_IndexedDataMapOfShapeListOfShape.hxx>
 #include <TopTools_IndexedMapOfShape.hxx>

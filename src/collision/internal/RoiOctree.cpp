@@ -1,7 +1,7 @@
 #include "collision/internal/RoiOctree.h"
 
-#include "collision/internal/BoxLimits.h"
 #include "collision/internal/ShapeMeshing.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <BRep_Tool.hxx>
 #include <Poly_Triangulation.hxx>

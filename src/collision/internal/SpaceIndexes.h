@@ -3,7 +3,7 @@
 #pragma once
 
 #include "collision/OrvexCollisionEngine.h"
-#include "collision/internal/BoxLimits.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <array>
 #include <cstdint>

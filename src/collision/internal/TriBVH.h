@@ -2,8 +2,8 @@
 #pragma once
 
 #include "collision/OrvexCollisionEngine.h"
-#include "collision/internal/BoxLimits.h"
 #include "collision/internal/TriangleMath.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <TopoDS_Shape.hxx>
 

@@ -4,7 +4,7 @@
 // T. Möller and B. Trumbore (1997) for the segment through a triangle.
 #pragma once
 
-#include "collision/internal/BoxLimits.h"
+#include "kernel/internal/BoxLimits.h"
 
 #include <gp_XYZ.hxx>
 

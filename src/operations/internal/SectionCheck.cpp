@@ -66,7 +66,9 @@ void CheckSections(const std::vector<TopoDS_Wire>& sections, const AdvancedLoftO
   const bool isRuled = options.ruled || sections.size() == 2;
   if (options.checkCompatibility)
     CheckWhatIsMadeCompatible(sections);
-  else if (!isRuled && !HasAsManyEdges(sections))
+  if (!isRuled && options.smoothing && options.continuity == 0)
+    throw AttemptFailure("smoothing without continuity");
+  if (!options.checkCompatibility && !isRuled && !HasAsManyEdges(sections))
     throw AttemptFailure("the sections have different numbers of edges");
 }
 
