@@ -25,6 +25,7 @@ libgtest-dev|tests
 libgmock-dev|tests
 libbenchmark-dev|benchmarks
 libfcl-dev|benchmarks: the peer of collision checks
+libembree-dev|benchmarks: the peer of picks on triangles
 python3|checks that the tests run
 python3-jsonschema|tests check JSON output against its schema
 LIST

@@ -2,7 +2,8 @@
 
 #include "picking/OCCPickingSystemImpl.h"
 
-OCCPickingSystem::OCCPickingSystem() : impl(std::make_unique<OCCPickingSystemImpl>()) {}
+OCCPickingSystem::OCCPickingSystem() : impl(std::make_unique<OCCPickingSystemImpl>())
+{}
 
 OCCPickingSystem::~OCCPickingSystem() = default;
 

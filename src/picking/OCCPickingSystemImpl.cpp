@@ -41,15 +41,17 @@ std::vector<std::uint32_t> PlacesOn(const WideBoxTree& tree, const gp_Lin& ray, 
   static constexpr float kInfinity = std::numeric_limits<float>::infinity();
   std::vector<std::uint32_t> places;
   const WalkLine line(ray.Location().XYZ(), ray.Direction().XYZ(), reach, -kInfinity);
-  tree.Walk(line, [&](std::uint32_t place) {
-    places.push_back(place);
+  const auto visit = [&](std::uint32_t place) {
+    places.push_back(tree.Order()[place]);
     return kInfinity;
-  });
+  };
+  tree.Walk(line, visit, [](std::uint32_t) {});
   std::sort(places.begin(), places.end());
   return places;
 }
 
-// The vertices, edges or faces of one shape, as an explorer meets them, under a tree of their boxes.
+// The vertices, edges or faces of one shape, as an explorer meets them, under a tree of their
+// boxes.
 class Parts
 {
 public:
@@ -275,8 +277,7 @@ PickResult OCCPickingSystemImpl::PickTimedFace(std::size_t index, const TopoDS_F
   timer.start();
   PickResult result = PickFace(index, face, ray);
   timer.stop();
-  std::string line =
-    timer.elapsedMilliseconds() > 0.01 ? "Pick Cost time: " : "Pick Face time: ";
+  std::string line = timer.elapsedMilliseconds() > 0.01 ? "Pick Cost time: " : "Pick Face time: ";
   line += timer.elapsedTimeAsString();
   log->dumpToFile(std::move(line));
   return result;

@@ -97,7 +97,7 @@ PickResultsOutput OrvexFaceTriangulationPicker::Pick(TopoDS_Shape& shape, const 
   result.point = hit->point;
   result.parameter = hit->distance;
   result.level = kFaceLevel;
-  result.subShape = result.face = hit->face;
+  result.subShape = result.face = *hit->face;
   result.parentShape = shape;
   return result;
 }

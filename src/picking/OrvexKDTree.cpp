@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <stdexcept>
 
 using namespace Orvex;
@@ -18,6 +19,7 @@ constexpr std::size_t kMaxLeafSize = 32;
 constexpr int kMaxDepth = 20;
 constexpr std::uint32_t kMaxFace = 0x7fffffff;
 constexpr std::size_t kMaxTriangles = kMaxFace;
+constexpr std::uint32_t kRanksPerHint = 16;
 constexpr SlabRule kMeeting = {1e-10, true};
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 // Of the condition below.
@@ -29,8 +31,8 @@ struct StoredTriangle
   std::uint32_t face : 31;
   // Whether its barycentric terms are too inexact to be judged before the exact test.
   std::uint32_t isThin : 1;
-  // Among the triangles given.
-  std::uint32_t place;
+  // Its place among the triangles of all leaves from left to right.
+  std::uint32_t rank;
 };
 
 BoxLimits BoxOf(const TriangleXYZ& corners)
@@ -39,6 +41,11 @@ BoxLimits BoxOf(const TriangleXYZ& corners)
   for (const gp_XYZ& corner : corners)
     box.Add(corner);
   return box;
+}
+
+TriangleXYZ CornersOf(const OrvexTriangleData& triangle)
+{
+  return {triangle.A.XYZ(), triangle.B.XYZ(), triangle.C.XYZ()};
 }
 
 // X unless another side is longer than both others.
@@ -84,7 +91,7 @@ BoxLimits StruckBox(const TriangleXYZ& corners)
 struct OrvexKDTree::Node
 {
   BoxLimits box;
-  // The node's triangles are one stretch of those stored.
+  // The ranks of the node's triangles.
   std::uint32_t first;
   std::uint32_t count;
   // Null in leaves.
@@ -97,15 +104,32 @@ struct OrvexKDTree::Node
   }
 };
 
+// What picks need of a leaf, side by side.
+struct Leaf
+{
+  BoxLimits box;
+  std::uint32_t firstRank;
+};
+
 struct OrvexKDTree::Contents
 {
   explicit Contents(const std::vector<OrvexTriangleData>& given);
 
-  std::unique_ptr<Node> Build(std::uint32_t first, std::uint32_t count, int depth);
-  void Split(Node& node, int depth);
-  void BuildWalkTree();
-  bool IsCandidate(std::uint32_t triangle, const gp_XYZ& origin, const gp_XYZ& direction) const;
-  OrvexTriangleData Copy(const StoredTriangle& triangle) const;
+  void BuildLeaves(const std::vector<OrvexTriangleData>& given);
+  std::unique_ptr<Node> Build(const std::vector<BoxLimits>& boxes, std::uint32_t first,
+                              std::uint32_t count, int depth);
+  void Split(const std::vector<BoxLimits>& boxes, Node& node, int depth);
+  std::vector<std::uint32_t> BuildWalkTree(const std::vector<OrvexTriangleData>& given);
+  void Store(const std::vector<OrvexTriangleData>& given, const std::vector<std::uint32_t>& order);
+
+  // The rank behind the last one of the leaf.
+  std::uint32_t EndOf(std::size_t leaf) const
+  {
+    return leaf + 1 < leaves.size() ? leaves[leaf + 1].firstRank
+                                    : static_cast<std::uint32_t>(places.size());
+  }
+  bool IsCandidate(std::uint32_t rank, const gp_XYZ& origin, const gp_XYZ& direction) const;
+  OrvexTriangleData Copy(std::uint32_t rank) const;
 
   // Calls visit(leaf) for the leaves that a ray meets, left before right.
   template <typename Visit>
@@ -116,7 +140,7 @@ struct OrvexKDTree::Contents
   }
   template <typename Visit>
   void ForLeavesBelow(const Node* node, const gp_XYZ& origin, const gp_XYZ& direction,
-                   const Visit& visit) const
+                      const Visit& visit) const
   {
     if (node == nullptr || !Meets(origin, direction, node->box))
       return;
@@ -126,13 +150,19 @@ struct OrvexKDTree::Contents
     ForLeavesBelow(node->right.get(), origin, direction, visit);
   }
 
-  // In the order of the leaves, so that a triangle's place is its rank among candidates.
+  std::unique_ptr<Node> root;
+  // From left to right.
+  std::vector<Leaf> leaves;
+  // For every kRanksPerHint-th rank the number of its leaf.
+  std::vector<std::uint32_t> leafHints;
+  // By rank: the triangle's place among those given, and among those stored.
+  std::vector<std::uint32_t> places;
+  std::vector<std::uint32_t> storedAt;
+
+  WideBoxTree walkTree;
+  // In the order of the walk's tree; those that no ray strikes at the end.
   std::vector<StoredTriangle> triangles;
   std::vector<TopoDS_Shape> faces;
-  std::unique_ptr<Node> root;
-  // The leaves by their first triangle.
-  std::vector<const Node*> leaves;
-  WideBoxTree walkTree;
   // Larger than any number that the tests of these triangles come across, but for the origin's.
   double scale = 0;
 };
@@ -141,82 +171,112 @@ OrvexKDTree::Contents::Contents(const std::vector<OrvexTriangleData>& given)
 {
   if (given.size() > kMaxTriangles)
     throw std::length_error("more triangles than an OrvexKDTree holds");
-  triangles.resize(given.size());
-  for (std::uint32_t i = 0; i < given.size(); ++i) {
-    const OrvexTriangleData& triangle = given[i];
-    if (faces.empty() || !faces.back().IsEqual(triangle.face))
-      faces.push_back(triangle.face);
-    triangles[i] = {{triangle.A.XYZ(), triangle.B.XYZ(), triangle.C.XYZ()},
-                    static_cast<std::uint32_t>(faces.size() - 1) & kMaxFace,
-                    0,
-                    i};
-  }
-  faces.shrink_to_fit();
   if (given.empty())
     return;
-  root = Build(0, static_cast<std::uint32_t>(given.size()), 0);
-  leaves.shrink_to_fit();
-  BuildWalkTree();
+  BuildLeaves(given);
+  Store(given, BuildWalkTree(given));
 }
 
-std::unique_ptr<OrvexKDTree::Node>
-OrvexKDTree::Contents::Build(std::uint32_t first, std::uint32_t count, int depth)
-{
-  auto node = std::make_unique<Node>(Node{{}, first, count, nullptr, nullptr});
-  for (std::uint32_t i = first; i < first + count; ++i)
-    node->box.Add(BoxOf(triangles[i].corners));
-  if (count > kMaxLeafSize && depth < kMaxDepth)
-    Split(*node, depth);
-  if (node->IsLeaf())
-    leaves.push_back(node.get());
-  return node;
-}
-
-// Leaves the node a leaf if all its triangles would go to one side.
-void OrvexKDTree::Contents::Split(Node& node, int depth)
-{
-  const std::size_t axis = SplitAxis(node.box);
-  const double value = (node.box.min[axis] + node.box.max[axis]) * 0.5;
-  const auto begin = triangles.begin() + node.first, end = begin + node.count;
-  const auto middle = std::stable_partition(begin, end, [&](const StoredTriangle& triangle) {
-    const BoxLimits box = BoxOf(triangle.corners);
-    return (box.min[axis] + box.max[axis]) * 0.5 <= value;
-  });
-  if (middle == begin || middle == end)
-    return;
-  const auto leftCount = static_cast<std::uint32_t>(middle - begin);
-  node.left = Build(node.first, leftCount, depth + 1);
-  node.right = Build(node.first + leftCount, node.count - leftCount, depth + 1);
-}
-
-void OrvexKDTree::Contents::BuildWalkTree()
+void OrvexKDTree::Contents::BuildLeaves(const std::vector<OrvexTriangleData>& given)
 {
   std::vector<BoxLimits> boxes;
-  boxes.reserve(triangles.size());
-  for (StoredTriangle& triangle : triangles) {
-    boxes.push_back(StruckBox(triangle.corners));
-    triangle.isThin = !(ConditionOf(TriangleSides(triangle.corners)) < kThin);
-  }
-  walkTree = WideBoxTree(boxes);
+  boxes.reserve(given.size());
+  for (const OrvexTriangleData& triangle : given)
+    boxes.push_back(BoxOf(CornersOf(triangle)));
+  places.resize(given.size());
+  std::iota(places.begin(), places.end(), 0U);
+  root = Build(boxes, 0, static_cast<std::uint32_t>(given.size()), 0);
+  leaves.shrink_to_fit();
+  for (std::uint32_t leaf = 0; leaf < leaves.size(); ++leaf)
+    while (leafHints.size() * kRanksPerHint < EndOf(leaf))
+      leafHints.push_back(leaf);
   for (std::size_t axis = 0; axis < 3; ++axis)
     scale = std::max({scale, std::abs(root->box.min[axis]), std::abs(root->box.max[axis]),
                       root->box.Extent(axis)});
 }
 
-bool OrvexKDTree::Contents::IsCandidate(std::uint32_t triangle, const gp_XYZ& origin,
-                                        const gp_XYZ& direction) const
+std::unique_ptr<OrvexKDTree::Node> OrvexKDTree::Contents::Build(const std::vector<BoxLimits>& boxes,
+                                                                std::uint32_t first,
+                                                                std::uint32_t count, int depth)
 {
-  const auto behind =
-    std::upper_bound(leaves.begin(), leaves.end(), triangle,
-                     [](std::uint32_t place, const Node* leaf) { return place < leaf->first; });
-  return Meets(origin, direction, (*std::prev(behind))->box);
+  auto node = std::make_unique<Node>(Node{{}, first, count, nullptr, nullptr});
+  for (std::uint32_t i = first; i < first + count; ++i)
+    node->box.Add(boxes[places[i]]);
+  if (count > kMaxLeafSize && depth < kMaxDepth)
+    Split(boxes, *node, depth);
+  if (node->IsLeaf())
+    leaves.push_back({node->box, first});
+  return node;
 }
 
-OrvexTriangleData OrvexKDTree::Contents::Copy(const StoredTriangle& triangle) const
+// Leaves the node a leaf if all its triangles would go to one side.
+void OrvexKDTree::Contents::Split(const std::vector<BoxLimits>& boxes, Node& node, int depth)
 {
-  OrvexTriangleData copy{triangle.corners[0], triangle.corners[1], triangle.corners[2],
-                         faces[triangle.face],
-                         {}};
+  const std::size_t axis = SplitAxis(node.box);
+  const double value = (node.box.min[axis] + node.box.max[axis]) * 0.5;
+  const auto begin = places.begin() + node.first, end = begin + node.count;
+  const auto middle = std::stable_partition(begin, end, [&](std::uint32_t place) {
+    return (boxes[place].min[axis] + boxes[place].max[axis]) * 0.5 <= value;
+  });
+  if (middle == begin || middle == end)
+    return;
+  const auto leftCount = static_cast<std::uint32_t>(middle - begin);
+  node.left = Build(boxes, node.first, leftCount, depth + 1);
+  node.right = Build(boxes, node.first + leftCount, node.count - leftCount, depth + 1);
+}
+
+// Returns: the places of the given triangles in the order in which they are to be stored.
+std::vector<std::uint32_t>
+OrvexKDTree::Contents::BuildWalkTree(const std::vector<OrvexTriangleData>& given)
+{
+  std::vector<BoxLimits> boxes;
+  boxes.reserve(given.size());
+  for (const OrvexTriangleData& triangle : given)
+    boxes.push_back(StruckBox(CornersOf(triangle)));
+  walkTree = WideBoxTree(boxes);
+  std::vector<std::uint32_t> order = walkTree.TakeOrder();
+  order.reserve(given.size());
+  for (std::uint32_t place = 0; place < given.size(); ++place)
+    if (boxes[place].IsVoid())
+      order.push_back(place);
+  return order;
+}
+
+void OrvexKDTree::Contents::Store(const std::vector<OrvexTriangleData>& given,
+                                  const std::vector<std::uint32_t>& order)
+{
+  std::vector<std::uint32_t> rankOf(given.size()), faceOf(given.size());
+  for (std::uint32_t place = 0; place < given.size(); ++place) {
+    rankOf[places[place]] = place;
+    if (faces.empty() || !faces.back().IsEqual(given[place].face))
+      faces.push_back(given[place].face);
+    faceOf[place] = static_cast<std::uint32_t>(faces.size() - 1);
+  }
+  faces.shrink_to_fit();
+  storedAt.resize(given.size());
+  triangles.reserve(given.size());
+  for (const std::uint32_t place : order) {
+    const TriangleXYZ corners = CornersOf(given[place]);
+    const bool isThin = !(ConditionOf(TriangleSides(corners)) < kThin);
+    storedAt[rankOf[place]] = static_cast<std::uint32_t>(triangles.size());
+    triangles.push_back({corners, faceOf[place] & kMaxFace, isThin, rankOf[place]});
+  }
+}
+
+bool OrvexKDTree::Contents::IsCandidate(std::uint32_t rank, const gp_XYZ& origin,
+                                        const gp_XYZ& direction) const
+{
+  std::size_t leaf = leafHints[rank / kRanksPerHint];
+  while (leaf + 1 < leaves.size() && leaves[leaf + 1].firstRank <= rank)
+    ++leaf;
+  return Meets(origin, direction, leaves[leaf].box);
+}
+
+OrvexTriangleData OrvexKDTree::Contents::Copy(std::uint32_t rank) const
+{
+  const StoredTriangle& triangle = triangles[storedAt[rank]];
+  OrvexTriangleData copy{
+    triangle.corners[0], triangle.corners[1], triangle.corners[2], faces[triangle.face], {}};
   for (const gp_XYZ& corner : triangle.corners)
     copy.box.Add(gp_Pnt(corner));
   return copy;
@@ -230,12 +290,11 @@ class NearestSearch
 public:
   NearestSearch(const gp_XYZ& rayOrigin, const gp_XYZ& rayDirection, double scale)
       : origin(rayOrigin), direction(rayDirection),
-        rounding(32 * kEpsilon *
-                 (scale + std::max({std::abs(origin.X()), std::abs(origin.Y()),
-                                    std::abs(origin.Z())}))),
+        rounding(
+          32 * kEpsilon *
+          (scale + std::max({std::abs(origin.X()), std::abs(origin.Y()), std::abs(origin.Z())}))),
         productRounding(rounding * scale)
-  {
-  }
+  {}
 
   // Above what the roundings of a point on the ray come to.
   double Rounding() const
@@ -258,16 +317,17 @@ public:
   // Takes the triangle if it is struck nearer than any before, or as near and stands before it,
   // and isCandidate().
   template <typename IsCandidate>
-  void Try(const TriangleXYZ& corners, std::uint32_t triangle, const IsCandidate& isCandidate)
+  void Try(const StoredTriangle& triangle, std::uint32_t itsSlot, const IsCandidate& isCandidate)
   {
-    const auto struck = RayTriangleIntersect(origin, direction, corners);
+    const auto struck = RayTriangleIntersect(origin, direction, triangle.corners);
     if (!struck)
       return;
     const double reached = gp_Pnt(origin).Distance(gp_Pnt(*struck));
-    const bool isBetter = reached < distance || (reached == distance && triangle < best);
+    const bool isBetter = reached < distance || (reached == distance && triangle.rank < rank);
     if (!isBetter || !isCandidate())
       return;
-    best = triangle;
+    rank = triangle.rank;
+    slot = itsSlot;
     distance = reached;
     point = *struck;
     limit = static_cast<float>((distance + rounding) * (1 + 1e-6));
@@ -281,12 +341,13 @@ public:
 
   // No triangle has been struck while this is the largest double.
   double distance = std::numeric_limits<double>::max();
-  std::uint32_t best = 0;
   gp_XYZ point;
+  std::uint32_t slot = 0;
 
 private:
   gp_XYZ origin, direction;
   double rounding, productRounding;
+  std::uint32_t rank = 0;
   float limit = std::numeric_limits<float>::infinity();
 };
 
@@ -294,8 +355,7 @@ private:
 
 OrvexKDTree::OrvexKDTree(const std::vector<OrvexTriangleData>& triangles)
     : contents(std::make_unique<Contents>(triangles))
-{
-}
+{}
 
 OrvexKDTree::~OrvexKDTree() = default;
 
@@ -305,7 +365,7 @@ std::vector<OrvexTriangleData> OrvexKDTree::Query(const gp_Pnt& origin,
   std::vector<OrvexTriangleData> candidates;
   contents->ForLeavesOn(origin.XYZ(), direction.XYZ(), [&](const Node& leaf) {
     for (std::uint32_t i = leaf.first; i < leaf.first + leaf.count; ++i)
-      candidates.push_back(contents->Copy(contents->triangles[i]));
+      candidates.push_back(contents->Copy(i));
   });
   return candidates;
 }
@@ -325,33 +385,33 @@ std::optional<OrvexKDTree::Hit> OrvexKDTree::NearestHit(const gp_Pnt& origin,
   if (!IsFinite(o) || !IsFinite(d))
     return std::nullopt;
   NearestSearch search(o, d, contents->scale);
-  contents->walkTree.Walk(WalkLine(o, d, search.Rounding(), 0), [&](std::uint32_t i) {
-    const StoredTriangle& triangle = contents->triangles[i];
+  const std::vector<StoredTriangle>& triangles = contents->triangles;
+  const auto visit = [&](std::uint32_t slot) {
+    const StoredTriangle& triangle = triangles[slot];
     if (triangle.isThin || search.MayStrike(triangle.corners))
-      search.Try(triangle.corners, i, [&] { return contents->IsCandidate(i, o, d); });
+      search.Try(triangle, slot, [&] { return contents->IsCandidate(triangle.rank, o, d); });
     return search.Limit();
-  });
+  };
+  const auto prefetch = [&](std::uint32_t slot) { __builtin_prefetch(&triangles[slot]); };
+  contents->walkTree.Walk(WalkLine(o, d, search.Rounding(), 0), visit, prefetch);
   if (search.distance == std::numeric_limits<double>::max())
     return std::nullopt;
-  return Hit{search.point, search.distance,
-             contents->faces[contents->triangles[search.best].face]};
+  return Hit{search.point, search.distance, &contents->faces[triangles[search.slot].face]};
 }
 
 std::vector<OrvexTriangleData> OrvexKDTree::Triangles() const
 {
-  std::vector<OrvexTriangleData> copies(contents->triangles.size());
-  for (const StoredTriangle& triangle : contents->triangles)
-    copies[triangle.place] = contents->Copy(triangle);
+  std::vector<OrvexTriangleData> copies(contents->places.size());
+  for (std::uint32_t rank = 0; rank < copies.size(); ++rank)
+    copies[contents->places[rank]] = contents->Copy(rank);
   return copies;
 }
 
 std::vector<std::vector<std::size_t>> OrvexKDTree::Leaves() const
 {
-  std::vector<std::vector<std::size_t>> places;
-  for (const Node* leaf : contents->leaves) {
-    places.emplace_back();
-    for (std::uint32_t i = leaf->first; i < leaf->first + leaf->count; ++i)
-      places.back().push_back(contents->triangles[i].place);
-  }
-  return places;
+  std::vector<std::vector<std::size_t>> leaves;
+  for (std::size_t leaf = 0; leaf < contents->leaves.size(); ++leaf)
+    leaves.emplace_back(contents->places.begin() + contents->leaves[leaf].firstRank,
+                        contents->places.begin() + contents->EndOf(leaf));
+  return leaves;
 }

@@ -31,7 +31,8 @@ public:
     gp_Pnt point;
     // From the ray's origin.
     double distance;
-    TopoDS_Shape face;
+    // The tree's.
+    const TopoDS_Shape* face;
   };
 
   // Copies what it needs of the triangles; boxes are taken from the corners.

@@ -60,7 +60,8 @@ std::vector<OrvexTriangleData> TrianglesOf(const TopoDS_Shape& shape)
 
 } // namespace
 
-OrvexPickShapeData::OrvexPickShapeData(const TopoDS_Shape& pickedShape) : shape(pickedShape) {}
+OrvexPickShapeData::OrvexPickShapeData(const TopoDS_Shape& pickedShape) : shape(pickedShape)
+{}
 
 void OrvexPickShapeData::Initialize()
 {

@@ -35,7 +35,8 @@ Bnd_Box BoxOf(const TopoDS_Shape& shape)
 bool IntersectRayBox(const gp_Lin& ray, const Bnd_Box& box)
 {
   const auto limits = Orvex::LimitsOf(box);
-  return limits && Orvex::SpanInBox(ray.Location().XYZ(), ray.Direction().XYZ(), *limits, kCrossing);
+  return limits &&
+         Orvex::SpanInBox(ray.Location().XYZ(), ray.Direction().XYZ(), *limits, kCrossing);
 }
 
 bool IsWithin(const Bnd_Box& box, const gp_Pnt& point, double radius)

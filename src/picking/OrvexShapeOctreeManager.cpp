@@ -33,10 +33,9 @@ void OrvexShapeOctreeManager::AddShapes(const std::vector<TopoDS_Shape>& added)
 void OrvexShapeOctreeManager::RemoveShape(const TopoDS_Shape& shape)
 {
   const TopoDS_Shape removed = shape;
-  shapes.erase(
-    std::remove_if(shapes.begin(), shapes.end(),
-                   [&](const TopoDS_Shape& listed) { return listed.IsEqual(removed); }),
-    shapes.end());
+  shapes.erase(std::remove_if(shapes.begin(), shapes.end(),
+                              [&](const TopoDS_Shape& listed) { return listed.IsEqual(removed); }),
+               shapes.end());
   needRebuild = true;
 }
 

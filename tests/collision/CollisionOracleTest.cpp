@@ -133,7 +133,7 @@ protected:
   static void SetUpTestSuite()
   {
     const bool isSurvey = SceneCount() > 0;
-    for (int i = 0; i < (isSurvey ? SceneCount() : 3); ++i)
+    for (int i = 0; i < (isSurvey ? SceneCount() : FewerIfSanitized(3, 2)); ++i)
       scenes.emplace_back(Seed() + static_cast<std::uint64_t>(i), isSurvey ? 60 : 16);
   }
 

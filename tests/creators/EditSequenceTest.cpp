@@ -10,6 +10,7 @@
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
 #include "support/Random.h"
+#include "support/Sanitized.h"
 #include "support/TestDocument.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,7 @@ using namespace OrvexTest;
 
 namespace {
 
-constexpr int kEdits = 1000;
+constexpr int kEdits = OrvexTest::FewerIfSanitized(1000, 300);
 constexpr std::size_t kMostShapes = 12;
 
 class Editor

@@ -121,7 +121,7 @@ void ExpectPlainHits(const PickTriangles& given, Random& random, double size, in
     ++struck;
     EXPECT_EQ(hit->distance, expected->distance);
     EXPECT_EQ(hit->point.Distance(expected->point), 0);
-    EXPECT_TRUE(hit->face.IsEqual(triangles[expected->place].face));
+    EXPECT_TRUE(hit->face->IsEqual(triangles[expected->place].face));
   }
   EXPECT_GT(struck, rays / 20);
 }

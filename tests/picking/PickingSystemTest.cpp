@@ -238,8 +238,9 @@ TEST(PickingSystem, WhatCannotBePickedIsPassedOver)
   TopoDS_Face bare;
   BRep_Builder().MakeFace(bare);
   const TopoDS_Face plane = BRepBuilderAPI_MakeFace(gp_Pln(gp::XOY()));
-  const Shapes shapes = {TopoDS_Shape(), empty, bare, plane,
-                         BRepPrimAPI_MakeHalfSpace(plane, gp_Pnt(0, 0, 1)).Solid(), CubeAt(0)};
+  const Shapes shapes = {
+    TopoDS_Shape(), empty, bare, plane, BRepPrimAPI_MakeHalfSpace(plane, gp_Pnt(0, 0, 1)).Solid(),
+    CubeAt(0)};
   for (const auto& [level, hits] :
        {std::pair(PickingLevel::Vertex, 0), std::pair(PickingLevel::Edge, 0),
         std::pair(PickingLevel::Face, 2), std::pair(PickingLevel::Solid, 0)}) {

@@ -52,9 +52,8 @@ Shapes Scattered(Random& random, int count)
 
 std::size_t CountOf(const TopoDS_Shape& shape, const Shapes& shapes)
 {
-  return static_cast<std::size_t>(
-    std::count_if(shapes.begin(), shapes.end(),
-                  [&](const TopoDS_Shape& other) { return other.IsEqual(shape); }));
+  return static_cast<std::size_t>(std::count_if(
+    shapes.begin(), shapes.end(), [&](const TopoDS_Shape& other) { return other.IsEqual(shape); }));
 }
 
 // Each shape is in the answer if and only if its box says so.
@@ -85,9 +84,8 @@ TEST(ShapeOctree, QueriesAnswerByBoxes)
     ExpectOnlyWanted(shapes, tree.GetShapesInBox(asked),
                      [&](const Bnd_Box& box) { return !box.IsOut(asked); });
     const gp_Lin ray(point, gp_Dir(random.Real(-1, 1), random.Real(-1, 1), random.Real(0.1, 1)));
-    ExpectOnlyWanted(shapes, tree.GetCandidateShapes(ray, 0), [&](const Bnd_Box& box) {
-      return !box.IsOut(ray);
-    });
+    ExpectOnlyWanted(shapes, tree.GetCandidateShapes(ray, 0),
+                     [&](const Bnd_Box& box) { return !box.IsOut(ray); });
   }
 }
 

@@ -120,8 +120,8 @@ TEST(TriangulationPicker, MeshesWhatHasNoMeshOnItsOwnFaces)
   EXPECT_TRUE(data.GetTriangles().empty());
   data.Initialize();
   TopLoc_Location location;
-  const auto mesh =
-    BRep_Tool::Triangulation(TopoDS::Face(TopExp_Explorer(sphere, TopAbs_FACE).Current()), location);
+  const auto mesh = BRep_Tool::Triangulation(
+    TopoDS::Face(TopExp_Explorer(sphere, TopAbs_FACE).Current()), location);
   ASSERT_FALSE(mesh.IsNull());
   EXPECT_EQ(data.GetTriangles().size(), static_cast<std::size_t>(mesh->NbTriangles()));
   EXPECT_TRUE(data.GetShape().IsEqual(sphere));
@@ -133,10 +133,9 @@ TEST(TriangulationPicker, ShapesWithoutTrianglesAreMissed)
   BRep_Builder().MakeCompound(empty);
   TopoDS_Face bare;
   BRep_Builder().MakeFace(bare);
-  for (TopoDS_Shape shape :
-       {TopoDS_Shape(), TopoDS_Shape(empty), TopoDS_Shape(bare),
-        BRepBuilderAPI_MakeVertex(gp_Pnt(0, 0, 0)).Shape(),
-        BRepBuilderAPI_MakeFace(gp_Pln(gp::XOY())).Shape()})
+  for (TopoDS_Shape shape : {TopoDS_Shape(), TopoDS_Shape(empty), TopoDS_Shape(bare),
+                             BRepBuilderAPI_MakeVertex(gp_Pnt(0, 0, 0)).Shape(),
+                             BRepBuilderAPI_MakeFace(gp_Pln(gp::XOY())).Shape()})
     ExpectMiss(Picker().Pick(shape, {0, 0, 5}, gp::DZ().Reversed()));
   TopoDS_Shape cube = Cube();
   ExpectMiss(Picker().Pick(cube, {std::nan(""), 0, 5}, gp::DZ()));

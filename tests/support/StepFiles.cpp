@@ -1,5 +1,7 @@
 #include "support/StepFiles.h"
 
+#include "support/Sanitized.h"
+
 #include <gtest/gtest.h>
 
 #include <BRepPrimAPI_MakeBox.hxx>
@@ -28,11 +30,8 @@ namespace OrvexTest {
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr qint64 kLargestFile = 200000;
-#else
-constexpr qint64 kLargestFile = std::numeric_limits<qint64>::max();
-#endif
+constexpr qint64 kLargestFile =
+  OrvexTest::kIsSanitized ? 200000 : std::numeric_limits<qint64>::max();
 
 TopLoc_Location At(double x, double y, double z)
 {

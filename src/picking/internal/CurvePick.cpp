@@ -33,8 +33,7 @@ class DistanceToLine
 {
 public:
   DistanceToLine(const Geom_Curve& scannedCurve, const gp_Lin& ray) : curve(scannedCurve), line(ray)
-  {
-  }
+  {}
 
   double operator()(double parameter) const
   {

@@ -1,5 +1,5 @@
-// The place of an edge that is nearest to a line, by a scan of its curve and a golden-section search
-// round the nearest sample.
+// The place of an edge that is nearest to a line, by a scan of its curve and a golden-section
+// search round the nearest sample.
 #pragma once
 
 #include <TopoDS_Edge.hxx>

@@ -22,8 +22,7 @@ struct TriangleSides
   explicit TriangleSides(const TriangleXYZ& corners)
       : e1(corners[1] - corners[0]), e2(corners[2] - corners[0]), normal(e1.Crossed(e2)),
         d00(e1.Dot(e1)), d01(e1.Dot(e2)), d11(e2.Dot(e2)), determinant(d00 * d11 - d01 * d01)
-  {
-  }
+  {}
 
   // False for slivers and triangles that are too small, which no ray strikes.
   bool CanBeStruck() const

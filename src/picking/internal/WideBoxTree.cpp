@@ -27,6 +27,14 @@ float RoundedUp(double value)
   return -RoundedDown(-value);
 }
 
+// Cheaper than the next number down, and never above it.
+float Below(double value)
+{
+  static constexpr float kRounding = 1.2e-7F, kLeast = std::numeric_limits<float>::min();
+  const float rounded = static_cast<float>(value);
+  return rounded - (std::abs(rounded) * kRounding + kLeast);
+}
+
 } // namespace
 
 WalkLine::WalkLine(const gp_XYZ& origin, const gp_XYZ& direction, double reach, float start)
@@ -36,7 +44,7 @@ WalkLine::WalkLine(const gp_XYZ& origin, const gp_XYZ& direction, double reach, 
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const double o = origin.GetData()[axis], d = direction.GetData()[axis];
     runsDown[axis] = d < 0;
-    const float below = RoundedDown(o - reach), above = RoundedUp(o + reach);
+    const float below = Below(o - reach), above = -Below(-o - reach);
     nearOrigin[axis] = Floats{} + (runsDown[axis] ? below : above);
     farOrigin[axis] = Floats{} + (runsDown[axis] ? above : below);
     const double slope = std::copysign(std::max(std::abs(d), kLeastComponent), d < 0 ? -1.0 : 1.0);
@@ -51,8 +59,7 @@ public:
   Builder(const std::vector<BoxLimits>& boxesToSort, std::vector<std::uint32_t>& orderToFill,
           std::vector<Node>& nodesToFill)
       : boxes(boxesToSort), order(orderToFill), nodes(nodesToFill)
-  {
-  }
+  {}
 
   void Run()
   {
@@ -151,9 +158,9 @@ private:
     }
     if (bestBin == 0)
       return range.first + range.Size() / 2;
-    const auto middle = std::partition(
-      order.begin() + range.first, order.begin() + range.last,
-      [&](std::uint32_t item) { return BinOf(item, range, bestAxis) < bestBin; });
+    const auto middle =
+      std::partition(order.begin() + range.first, order.begin() + range.last,
+                     [&](std::uint32_t item) { return BinOf(item, range, bestAxis) < bestBin; });
     return static_cast<std::uint32_t>(middle - order.begin());
   }
 

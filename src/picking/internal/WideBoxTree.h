@@ -15,14 +15,35 @@
 #include <gp_XYZ.hxx>
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace Orvex {
 
 using Floats = float __attribute__((vector_size(16)));
+
+inline Floats Absolute(Floats values)
+{
+  using Bits = std::uint32_t __attribute__((vector_size(16)));
+  return reinterpret_cast<Floats>(reinterpret_cast<Bits>(values) & 0x7fffffffU);
+}
+
+// Bit i is set if all bits of lane i are.
+inline unsigned SetLanes(std::int32_t __attribute__((vector_size(16))) lanes)
+{
+#ifdef __SSE__
+  return static_cast<unsigned>(__builtin_ia32_movmskps(reinterpret_cast<Floats>(lanes)));
+#else
+  unsigned bits = 0;
+  for (unsigned i = 0; i < 4; ++i)
+    bits |= lanes[i] != 0 ? 1U << i : 0U;
+  return bits;
+#endif
+}
 
 // A line for a walk, in single precision.
 struct WalkLine
@@ -46,16 +67,30 @@ public:
   // A box that is void or not finite is in no leaf.
   explicit WideBoxTree(const std::vector<BoxLimits>& boxes);
 
-  // Calls visit(i) for the boxes i that the line meets between `line.from` and a limit: the value
-  // that the last visit returned, infinity before. Near boxes come before far ones, roughly.
-  template <typename Visit> void Walk(const WalkLine& line, Visit&& visit) const;
+  // The boxes in the leaves, from left to right, as places among those given. Callers that keep
+  // what is in the boxes in this order find what a walk visits close together.
+  const std::vector<std::uint32_t>& Order() const
+  {
+    return order;
+  }
+  // The same, for callers that have put their own things in order; the tree forgets it.
+  std::vector<std::uint32_t> TakeOrder()
+  {
+    return std::move(order);
+  }
+
+  // Calls visit(i) for places i of the order whose boxes the line meets between `line.from` and a
+  // limit: the value that the last visit returned, infinity before. Near boxes come before far
+  // ones, roughly. prefetch(i) is called for the first place of a leaf some time before.
+  template <typename Visit, typename Prefetch>
+  void Walk(const WalkLine& line, Visit&& visit, Prefetch&& prefetch) const;
 
 private:
-  struct alignas(16) Node
+  struct alignas(64) Node
   {
     // Sides by axis, four boxes each.
     std::array<Floats, 3> min, max;
-    // A leaf's first place in `order`, or a node.
+    // A leaf's first place in the order, or a node.
     std::array<std::uint32_t, 4> child;
     // Of a leaf; 0 for a node.
     std::array<std::uint8_t, 4> count;
@@ -92,16 +127,16 @@ inline std::size_t WideBoxTree::MeetChildren(const Node& node, const WalkLine& l
     const Floats& last = line.runsDown[axis] ? node.min[axis] : node.max[axis];
     Floats in = (first - line.nearOrigin[axis]) * line.inverse[axis];
     Floats out = (last - line.farOrigin[axis]) * line.inverse[axis];
-    in -= (in < 0.0F ? -in : in) * kSlack;
-    out += (out < 0.0F ? -out : out) * kSlack;
+    in -= Absolute(in) * kSlack;
+    out += Absolute(out) * kSlack;
     // What is no number is no limit.
     near = in > near ? in : near;
     far = out < far ? out : far;
   }
   std::size_t count = 0;
-  for (std::size_t i = 0; i < node.used; ++i) {
-    if (!(near[i] <= far[i]))
-      continue;
+  for (unsigned left = SetLanes(near <= far) & ((1U << node.used) - 1); left != 0;
+       left &= left - 1) {
+    const auto i = static_cast<std::size_t>(std::countr_zero(left));
     const Pending added = {near[i], node.child[i], node.count[i]};
     std::size_t place = count++;
     for (; place > 0 && met[place - 1].near < added.near; --place)
@@ -111,7 +146,8 @@ inline std::size_t WideBoxTree::MeetChildren(const Node& node, const WalkLine& l
   return count;
 }
 
-template <typename Visit> void WideBoxTree::Walk(const WalkLine& line, Visit&& visit) const
+template <typename Visit, typename Prefetch>
+void WideBoxTree::Walk(const WalkLine& line, Visit&& visit, Prefetch&& prefetch) const
 {
   if (nodes.empty())
     return;
@@ -124,13 +160,20 @@ template <typename Visit> void WideBoxTree::Walk(const WalkLine& line, Visit&& v
     if (next.near > limit)
       continue;
     for (std::uint32_t i = next.child; i < next.child + next.count; ++i)
-      limit = visit(order[i]);
+      limit = visit(i);
     if (next.count > 0)
       continue;
     std::array<Pending, 4> met;
     const std::size_t count = MeetChildren(nodes[next.child], line, limit, met);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
       stack[depth++] = met[i];
+      if (met[i].count > 0) {
+        prefetch(met[i].child);
+      } else {
+        __builtin_prefetch(&nodes[met[i].child].min);
+        __builtin_prefetch(&nodes[met[i].child].child);
+      }
+    }
   }
 }
 
