@@ -62,7 +62,8 @@ double ThreadSeconds()
   return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
 }
 
-template <typename Work> double SecondsFor(Work&& work)
+template <typename Work>
+double SecondsFor(Work&& work)
 {
   const double start = ThreadSeconds();
   work();
@@ -161,9 +162,9 @@ public:
       nullptr);
     scene = rtcNewScene(device);
     const RTCGeometry geometry = rtcNewGeometry(device, RTC_GEOMETRY_TYPE_TRIANGLE);
-    auto* corner = static_cast<float*>(
-      rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                              3 * sizeof(float), 3 * triangles.size()));
+    auto* corner = static_cast<float*>(rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0,
+                                                               RTC_FORMAT_FLOAT3, 3 * sizeof(float),
+                                                               3 * triangles.size()));
     auto* index = static_cast<unsigned*>(
       rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
                               3 * sizeof(unsigned), triangles.size()));
@@ -281,7 +282,8 @@ void BM_Plate(benchmark::State& state)
   PickOnTriangles(state, PlateTarget(static_cast<int>(state.range(0))));
 }
 
-BENCHMARK(BM_Plate)->DenseRange(0, 2)->Iterations(3)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Plate)->DenseRange(0, 2)->Iterations(3)->UseManualTime()->Unit(
+  benchmark::kMillisecond);
 
 void BM_File(benchmark::State& state, const std::string& name)
 {
@@ -337,7 +339,8 @@ void BM_Level(benchmark::State& state)
   std::vector<gp_Lin> lines;
   while (lines.size() < 200) {
     const gp_XYZ from(-10, extent.Y() * random.Real(0, 1), extent.Z() * random.Real(0, 1));
-    lines.emplace_back(gp_Pnt(low + from), gp_Dir(1, random.Real(-0.1, 0.1), random.Real(-0.1, 0.1)));
+    lines.emplace_back(gp_Pnt(low + from),
+                       gp_Dir(1, random.Real(-0.1, 0.1), random.Real(-0.1, 0.1)));
   }
   OCCPickingSystem picking;
   const double setting = SecondsFor([&] { picking.SetShapesToPick(shapes); });
@@ -415,13 +418,8 @@ void BM_Octree(benchmark::State& state)
   state.counters["found"] = static_cast<double>(found);
 }
 
-BENCHMARK(BM_Octree)
-  ->Arg(1000)
-  ->Arg(10000)
-  ->Arg(100000)
-  ->Iterations(1)
-  ->UseManualTime()
-  ->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_Octree)->Arg(1000)->Arg(10000)->Arg(100000)->Iterations(1)->UseManualTime()->Unit(
+  benchmark::kMillisecond);
 
 } // namespace
 

@@ -13,6 +13,7 @@ std::span<const Command> AllCommands()
     {"interfere", "Which parts have something in common, by booleans alone", DeclareInterfere},
     {"new", "Make a parametric shape and write it to a file", DeclareNew},
     {"op", "Run a modelling operation on shapes from files", DeclareOp},
+    {"pick", "What rays hit in a model: vertices, edges, faces or solids", DeclarePick},
     {"quality", "Curvature, stripes, draft, radii, thickness of a model's faces", DeclareQuality},
     {"rebuild", "Change parameters of a saved document and rebuild what depends on them",
      DeclareRebuild},

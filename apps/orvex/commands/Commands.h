@@ -15,6 +15,7 @@ Action DeclareInfo(CLI::App& options);
 Action DeclareInterfere(CLI::App& options);
 Action DeclareNew(CLI::App& options);
 Action DeclareOp(CLI::App& options);
+Action DeclarePick(CLI::App& options);
 Action DeclareQuality(CLI::App& options);
 Action DeclareRebuild(CLI::App& options);
 Action DeclareReplay(CLI::App& options);
