@@ -7,6 +7,7 @@
 #include "collision/OrvexCollisionEngine.h"
 #include "collision/internal/ExactStages.h"
 
+#include "support/Sanitized.h"
 #include "support/CollisionScenes.h"
 
 #include <gtest/gtest.h>
