@@ -7,8 +7,8 @@
 #include "collision/OrvexCollisionEngine.h"
 #include "collision/internal/ExactStages.h"
 
-#include "support/Sanitized.h"
 #include "support/CollisionScenes.h"
+#include "support/Sanitized.h"
 
 #include <gtest/gtest.h>
 

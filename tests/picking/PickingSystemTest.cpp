@@ -1,8 +1,8 @@
 #include "picking/OCCPickingSystem.h"
 
-#include "foundation/OrvexDebugLogFile.h"
 #include "picking/OCCPickingSystemImpl.h"
 #include "picking/internal/CurvePick.h"
+#include "support/DetailedLog.h"
 #include "support/Plate.h"
 #include "support/Random.h"
 
@@ -256,7 +256,7 @@ TEST(PickingSystem, WhatCannotBePickedIsPassedOver)
 TEST(PickingSystem, EveryFaceHasALineInADetailedLog)
 {
   OrvexDebugLogFile* log = OrvexDebugLogFile::GetInstance();
-  log->SetWantsDetail(true);
+  const DetailedLog detailed;
   const std::size_t before = log->Lines().size();
   Pick({CubeAt(0), CubeAt(0), CubeAt(90).Moved(gp_Trsf())}, PickingLevel::Face,
        gp_Lin({5, 5, 0}, gp::DZ()));

@@ -1,25 +1,31 @@
 #include "picking/OrvexFaceTriangulationPicker.h"
 
-#include "foundation/OrvexDebugLogFile.h"
+#include "support/DetailedLog.h"
 #include "support/Random.h"
 
+#include <BRepAlgoAPI_Cut.hxx>
 #include <BRepBuilderAPI_MakeFace.hxx>
 #include <BRepBuilderAPI_MakeVertex.hxx>
 #include <BRepMesh_IncrementalMesh.hxx>
 #include <BRepPrimAPI_MakeBox.hxx>
 #include <BRepPrimAPI_MakeSphere.hxx>
+#include <BRepPrimAPI_MakeTorus.hxx>
 #include <BRepTools.hxx>
 #include <BRep_Builder.hxx>
 #include <BRep_Tool.hxx>
+#include <IntCurvesFace_ShapeIntersector.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopoDS.hxx>
 #include <TopoDS_Compound.hxx>
+#include <gp_Ax3.hxx>
 #include <gp_Pln.hxx>
 
 #include <gtest/gtest.h>
 
 #include <cfloat>
 #include <cmath>
+#include <optional>
+#include <tuple>
 
 using namespace OrvexTest;
 
@@ -88,6 +94,59 @@ TEST(TriangulationPicker, DistancesOfASphereAreThoseOfItsMesh)
   }
 }
 
+// What the kernel's exact ray cast says of a ray and of four others close by: the distance if all
+// strike one face steeply, minus 1 if all miss, none if they disagree.
+std::optional<double> SteadyDistance(IntCurvesFace_ShapeIntersector& exact, const gp_Lin& ray,
+                                     double apart)
+{
+  static constexpr double kFlattest = 0.3;
+  std::optional<double> distance;
+  TopoDS_Shape face;
+  const gp_Ax3 frame(ray.Location(), ray.Direction());
+  const gp_Vec x(frame.XDirection()), y(frame.YDirection());
+  for (const gp_Vec& aside : {gp_Vec(0, 0, 0), x, x.Reversed(), y, y.Reversed()}) {
+    exact.PerformNearest(ray.Translated(aside * apart), 0, 100);
+    const bool isHit = exact.NbPnt() > 0;
+    const TopoDS_Shape struck = isHit ? TopoDS_Shape(exact.Face(1)) : TopoDS_Shape();
+    const double found = isHit ? exact.WParameter(1) : -1;
+    if (!distance)
+      std::tie(distance, face) = std::pair(found, struck);
+    if (!struck.IsEqual(face) || std::abs(found - *distance) > apart / kFlattest)
+      return {};
+  }
+  return distance;
+}
+
+TEST(TriangulationPicker, HitsAreTheKernelsWithinTheDeflection)
+{
+  SCOPED_TRACE(SeedNote());
+  Random random(Seed());
+  static constexpr double kDeflection = 0.005;
+  TopoDS_Shape model = BRepAlgoAPI_Cut(BRepPrimAPI_MakeTorus(6, 2).Shape(),
+                                       BRepPrimAPI_MakeBox(gp_Pnt(0, 0, -3), 9, 9, 6).Shape());
+  BRepMesh_IncrementalMesh(model, kDeflection, false, 0.1);
+  IntCurvesFace_ShapeIntersector exact;
+  exact.Load(model, 1e-7);
+  const auto number = [&](double size) { return random.Real(-size, size); };
+  int hits = 0, misses = 0;
+  for (int i = 0; i < 2000; ++i) {
+    const double x = number(9), y = number(9), dx = number(1), dy = number(1);
+    const gp_Dir direction(dx, dy, -1);
+    const gp_Pnt origin(gp_XYZ(x, y, 0) - direction.XYZ() * 20);
+    const auto distance = SteadyDistance(exact, gp_Lin(origin, direction), 2 * kDeflection);
+    if (!distance)
+      continue;
+    const PickResultsOutput result = Picker().Pick(model, origin, direction);
+    ASSERT_EQ(result.hit, *distance >= 0) << i;
+    ++(result.hit ? hits : misses);
+    if (result.hit) {
+      EXPECT_NEAR(result.parameter, *distance, 4 * kDeflection) << i;
+    }
+  }
+  EXPECT_GT(hits, 500);
+  EXPECT_GT(misses, 300);
+}
+
 TEST(TriangulationPicker, KeepsTheTrianglesOfTheFirstPick)
 {
   TopoDS_Shape cube = Cube();
@@ -149,7 +208,7 @@ TEST(TriangulationPicker, LogsEachPickOnlyWhileDetailIsWanted)
   log->SetWantsDetail(false);
   Picker().Pick(cube, {3, 4, 20}, gp::DZ().Reversed());
   EXPECT_EQ(log->Lines().size(), before);
-  log->SetWantsDetail(true);
+  const DetailedLog detailed;
   Picker().Pick(cube, {3, 4, 20}, gp::DZ().Reversed());
   Picker().Pick(cube, {30, 4, 20}, gp::DZ().Reversed());
   const std::vector<std::string> lines = log->Lines();

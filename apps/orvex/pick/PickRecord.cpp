@@ -105,7 +105,8 @@ std::optional<gp_Lin> RayFromText(const std::string& text)
     from = text.find_first_not_of(kBetween, from);
     if (from == std::string::npos)
       return std::nullopt;
-    const auto [end, error] = std::from_chars(text.data() + from, text.data() + text.size(), number);
+    const auto [end, error] =
+      std::from_chars(text.data() + from, text.data() + text.size(), number);
     if (error != std::errc() || !std::isfinite(number))
       return std::nullopt;
     from = static_cast<std::size_t>(end - text.data());
@@ -156,8 +157,8 @@ QJsonObject PickModel(const PickRequest& request, const ProgressSink& progress)
               static_cast<double>(rays.size()) / static_cast<double>(request.rays.size())});
     QJsonArray hits;
     for (const PickResult& hit : picking.PickShapes(ray))
-      hits.append(HitJson(hit, parts[hit.shapeIndex],
-                          numbering.NumberOf(hit.subShape, hit.shapeIndex), ray));
+      hits.append(
+        HitJson(hit, parts[hit.shapeIndex], numbering.NumberOf(hit.subShape, hit.shapeIndex), ray));
     rays.append(QJsonObject{{"origin", ToJson(ray.Location().XYZ())},
                             {"direction", ToJson(ray.Direction().XYZ())},
                             {"hits", hits}});
