@@ -16,8 +16,10 @@ std::string AssemblyConstraintSolver::AddConstraint(const AssemblyConstraint& co
 
 bool AssemblyConstraintSolver::RemoveConstraint(const std::string& id)
 {
-  return std::erase_if(constraints, [&](const auto& constraint) { return constraint.id == id; }) !=
-         0;
+  // The caller's may be that of a constraint in the list.
+  const std::string removed = id;
+  return std::erase_if(constraints,
+                       [&](const auto& constraint) { return constraint.id == removed; }) != 0;
 }
 
 const std::vector<AssemblyConstraint>& AssemblyConstraintSolver::GetConstraints() const

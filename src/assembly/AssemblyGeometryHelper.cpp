@@ -36,9 +36,11 @@ gp_Dir DirectionOf(const gp_Pln& plane)
   return plane.Axis().Direction();
 }
 
+// The arc cosine of the product alone is good to 1e-8 only where the directions are nearly the same
+// or opposite, and takes equal ones for different.
 double AngleBetween(const gp_Dir& a, const gp_Dir& b)
 {
-  return std::acos(std::clamp(a * b, -1.0, 1.0));
+  return a.Angle(b);
 }
 
 gp_Trsf Rotation(const gp_Pnt& pivot, const gp_Dir& direction, double angle)
@@ -58,11 +60,12 @@ gp_Dir Across(const gp_Dir& d)
 // Turns d to the target about the pivot.
 gp_Trsf TurnTo(const gp_Dir& d, const gp_Dir& target, const gp_Pnt& pivot)
 {
+  const gp_Vec axis = gp_Vec(d).Crossed(gp_Vec(target));
   const double angle = AngleBetween(d, target);
   if (angle < kNoAngle)
     return {};
-  const bool isHalfTurn = std::abs(angle - kPi) < kNoAngle;
-  return Rotation(pivot, isHalfTurn ? Across(d) : d.Crossed(target), angle);
+  const bool isHalfTurn = kPi - angle < kNoAngle;
+  return Rotation(pivot, isHalfTurn ? Across(d) : gp_Dir(axis), angle);
 }
 
 // The turn, then a translation that takes the turned point to its goal.

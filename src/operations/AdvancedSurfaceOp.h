@@ -16,7 +16,7 @@
 // - What is given stays bit for bit what it was. Results share curves and surfaces with it, but no
 //   vertices, edges or faces.
 // - The same input gives the same result; any number of threads may call at once.
-// - Shapes with vertices at NaN, infinity or beyond 1e100, on which the kernel never comes to an
+// - Shapes with vertices at NaN, infinity or beyond 1e50, on which the kernel never comes to an
 //   end, give a null result; so do curved shapes beyond 4e8 that are to be
 //   projected or filled.
 //

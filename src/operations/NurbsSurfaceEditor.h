@@ -10,7 +10,8 @@
 // Failures: false or a null face. What is refused before the edit, such as a face on another kind
 // of surface or a number that is not finite, leaves everything as it was. If only the new face
 // cannot be made, the surface has changed and the old face is still there. Standard_Failure passes,
-// as of a degree above 25 or of ranges too narrow for the knots.
+// as of a degree above 25 or of ranges too narrow for the knots; then, too, the surface may have
+// changed already.
 //
 // Caveat: edits take no lock; nobody may read the surface meanwhile. Labels, history and feature of
 // a face are for the caller to keep in step.

@@ -11,7 +11,7 @@
 //
 // Guarantees: the operands are bit for bit what they were, whatever the outcome. A null pointer is
 // met like a null shape; so are shapes with vertices at no finite place, with which the kernel
-// might never end, by booleans, offsets and fuses. Finite is what is below 1e100.
+// might never end, by booleans, offsets and fuses. Finite is what is up to 1e50.
 //
 // Caveats:
 // - The kernel finds the label of a shape wherever it stands: a moved copy of a shape with a label

@@ -112,7 +112,7 @@ TopoDS_Shape Trim(const TopoDS_Face& givenFace, const TopoDS_Shape& givenCutter,
   TopologyCopier copier;
   const TopoDS_Face face = TopoDS::Face(copier.Copy(givenFace));
   TopoDS_Shape cutter = copier.Copy(givenCutter);
-  if (project && (IsTooLargeToFollow(face) || IsTooLargeToFollow(cutter)))
+  if (project && AreTooLargeToFollow({face, cutter}))
     return Refused(report, "a curved shape of this size takes the kernel for ever");
   if (project)
     cutter = WireOfCurve(cutter);
@@ -170,7 +170,7 @@ TopoDS_Shape Project(const TopoDS_Shape& curve, const TopoDS_Shape& surface,
     return Refused(report, "there is no face to project to");
   if (!HasFinitePlaces(wire) || !HasFinitePlaces(face))
     return Refused(report, "a vertex is at no finite place");
-  if (IsTooLargeToFollow(wire) || IsTooLargeToFollow(face))
+  if (AreTooLargeToFollow({wire, face}))
     return Refused(report, "a curved shape of this size takes the kernel for ever");
   if (surface.ShapeType() != TopAbs_FACE)
     report.notes.emplace_back("the projection is on the first face only");

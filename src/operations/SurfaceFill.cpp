@@ -85,7 +85,7 @@ void CheckLevel(const TopoDS_Edge& edge, GeomAbs_Shape order)
 TopoDS_Shape Filled(const FillingSettings& settings, const TopoDS_Wire& wire, const Orders& orders,
                     const Points& points)
 {
-  if (IsTooLargeToFollow(wire))
+  if (AreTooLargeToFollow({wire}))
     throw AttemptFailure("curved edges of this size take the kernel for ever");
   BRepOffsetAPI_MakeFilling filling(settings.degree, 15, settings.iterations, false, 1e-5,
                                     settings.tolerance, 0.01, 0.1, 8, 9);

@@ -97,6 +97,9 @@ TopoDS_Shape LoftOver(const Wires& wires, OperationReport& report)
   for (OperationAttempt& attempt : loft.attempts)
     attempt.description.insert(0, "sides, ");
   report.attempts.insert(report.attempts.end(), loft.attempts.begin(), loft.attempts.end());
+  report.notes.insert(report.notes.end(), loft.notes.begin(), loft.notes.end());
+  if (sides.IsNull())
+    report.notes.push_back(std::string("no sides: ").append(loft.reason));
   return sides;
 }
 

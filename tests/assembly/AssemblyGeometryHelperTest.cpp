@@ -122,6 +122,30 @@ TEST_F(Mates, ReferencesNameFacesThatAreRegistered)
   }
 }
 
+// Directions that are the same or opposite to the last bit, and none of an axis.
+TEST_F(Mates, PartsTurnedAlikeMate)
+{
+  for (int i = 1; i <= 12; ++i) {
+    gp_Trsf turn;
+    turn.SetRotation(gp_Ax1(gp_Pnt(), gp_Dir(i % 3, i % 4, i % 5 + 1)), M_PI / 4 * i);
+    gp_Trsf away;
+    away.SetTranslation(gp_Vec(40, 7, i));
+    for (int face = 1; face <= 6; ++face) {
+      const std::string a = BoxFace(face, turn), b = BoxFace(1 + face % 6, away * turn);
+      const gp_Dir normalA = NormalOf(a), normalB = NormalOf(b);
+      gp_Trsf motion;
+      ASSERT_TRUE(ComputeCoincidentTransform(a, b, motion));
+      ExpectRigid(motion);
+      EXPECT_NEAR(AngleAfter(normalA, normalB, motion), 180, 1e-9);
+      EXPECT_LT(GetFaceCenter(b).Transformed(motion).Distance(GetFaceCenter(a)), 1e-9);
+    }
+    const std::string wall = Wall(turn), other = Wall(away * turn);
+    gp_Trsf motion;
+    ASSERT_TRUE(ComputeConcentricTransform(wall, other, motion));
+    EXPECT_TRUE(motion.GetRotation().IsEqual(gp_Quaternion())) << "nothing is turned";
+  }
+}
+
 TEST_F(Mates, RandomPairsMateAfterTheMotion)
 {
   Random random(Seed());
@@ -133,7 +157,7 @@ TEST_F(Mates, RandomPairsMateAfterTheMotion)
     gp_Trsf motion;
     ASSERT_TRUE(ComputeCoincidentTransform(a, b, motion));
     ExpectRigid(motion);
-    EXPECT_NEAR(AngleAfter(normalA, normalB, motion), 180, 1e-6);
+    EXPECT_NEAR(AngleAfter(normalA, normalB, motion), 180, 1e-9);
     EXPECT_LT(GetFaceCenter(b).Transformed(motion).Distance(GetFaceCenter(a)), 1e-9);
 
     ASSERT_TRUE(ComputeParallelTransform(a, b, motion));
@@ -211,7 +235,7 @@ TEST(AssemblyConstraints, IdsAreMadeForThoseWithout)
   EXPECT_EQ(solver.AddConstraint({}), "ac_2");
   EXPECT_EQ(solver.GetConstraints().size(), 4U);
   EXPECT_FALSE(solver.RemoveConstraint("nobody"));
-  EXPECT_TRUE(solver.RemoveConstraint("mine")) << "both";
+  EXPECT_TRUE(solver.RemoveConstraint(solver.GetConstraints()[1].id)) << "both, by the id of one";
   EXPECT_EQ(solver.GetConstraints().size(), 2U);
   EXPECT_TRUE(solver.Solve());
   solver.Clear();

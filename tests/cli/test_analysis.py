@@ -72,10 +72,19 @@ class Compare(AnalysisCase):
         self.assertAlmostEqual(result["source"]["volume"], 1000)
         self.assertEqual(self.run_orvex("compare", "box.brep", "box.step").out.split(b"\n")[0], b"equivalent")
 
+    def test_faces_beside_a_solid_count(self):
+        self.run_orvex("op", "union", "box.brep", "sheet.brep", "-o", "both.brep")
+        result = self.run_orvex("compare", "box.brep", "both.brep", "--json", code=1).json()
+        self.assertEqual((result["source"]["faces"], result["candidate"]["faces"]), (6, 7))
+        self.assertEqual(self.run_orvex("check", "both.brep", code=1).out.count(b"TOPO_OPEN_BOUNDARY"), 1)
+
     def test_what_differs_is_told(self):
         result = self.run_orvex("compare", "box.brep", "ball.brep", "--json", code=1).json()
         self.assertEqual(result["failures"], ["volume_mismatch", "area_mismatch", "bbox_mismatch", "topology_mismatch"])
         self.run_orvex("compare", "box.brep", "ball.brep", "--no-volume", "--no-area", "--no-box", "--no-topology")
+        off = self.run_orvex("compare", "box.brep", "ball.brep", "--no-volume", "--no-area", "--no-box",
+                             "--no-topology").out.decode()
+        self.assertEqual((off.count("not compared"), off.count("same")), (9, 0))
         text = self.run_orvex("compare", "box.brep", "ball.brep", code=1).out.decode()
         self.assertRegex(text, r"volume +1000 +523\.59\d* +differs")
         self.run_orvex("compare", "box.brep", "missing.step", code=3)
@@ -114,6 +123,9 @@ class Quality(AnalysisCase):
                                       (["box.brep", "--draft", "--zebra"], 2, ""),
                                       (["box.brep", "--draft", "--direction", "0,0,0"], 2, "direction"),
                                       (["box.brep", "--draft", "--direction", "nan,0,1"], 2, "direction"),
+                                      (["box.brep", "--draft", "--min-angle", "nan"], 2, "min-angle"),
+                                      (["box.brep", "--zebra", "--frequency", "inf"], 2, "frequency"),
+                                      (["ball.brep", "--continuity"], 4, "share an edge"),
                                       (["box.brep", "--draft", "--grid", "1"], 2, "grid"),
                                       (["box.brep", "--draft", "--grid", "1001"], 2, "grid"),
                                       (["broken.step", "--draft"], 3, "broken.step")):

@@ -4,6 +4,9 @@
 #include "support/SurfaceInputs.h"
 
 #include <BRepFilletAPI_MakeFillet.hxx>
+#include <Geom_BezierCurve.hxx>
+#include <Geom_Parabola.hxx>
+#include <TColgp_Array1OfPnt.hxx>
 
 #include <gtest/gtest.h>
 
@@ -142,6 +145,27 @@ TEST(Project, OnTheFirstFaceOfASolid)
   EXPECT_NEAR(LengthOf(onBox), 6, 1e-6);
   EXPECT_EQ(LengthOf(onBox), LengthOf(onFace));
   EXPECT_EQ(report.notes.size(), 1U);
+}
+
+// The kernel crashes with some of these, and with others it never comes to an end.
+TEST(Project, CurvesThatReachTooFarAreRefused)
+{
+  TColgp_Array1OfPnt poles(1, 3);
+  poles(1) = gp_Pnt(0, -5, 5);
+  poles(2) = gp_Pnt(1e18, 0, 5);
+  poles(3) = gp_Pnt(0, 5, 5);
+  const TopoDS_Edge bow = BRepBuilderAPI_MakeEdge(new Geom_BezierCurve(poles));
+  const TopoDS_Edge parabola = BRepBuilderAPI_MakeEdge(new Geom_Parabola(gp::XOY(), 1));
+  const TopoDS_Edge endless = BRepBuilderAPI_MakeEdge(gp_Lin(gp::OY()));
+  const TopoDS_Edge line = LineEdge(gp_Pnt(9, -1e16, 5), gp_Pnt(9, 1e16, 5));
+  const TopoDS_Face tube = TubeFace(5, 10);
+  for (const TopoDS_Edge& edge : {bow, parabola, endless, line}) {
+    OperationReport trimmed, projected;
+    EXPECT_TRUE(Op::TrimSurface(tube, edge, true, &trimmed).IsNull());
+    EXPECT_TRUE(Op::ProjectCurveToSurface(edge, tube, nullptr, &projected).IsNull());
+    EXPECT_EQ(trimmed.outcome, OperationOutcome::Refused);
+    EXPECT_EQ(projected.outcome, OperationOutcome::Refused);
+  }
 }
 
 // The first pair of faces of a shape with the wanted kinds of surfaces that shares an edge.

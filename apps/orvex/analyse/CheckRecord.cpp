@@ -17,6 +17,9 @@
 #include <TopoDS.hxx>
 
 #include <algorithm>
+#include <cmath>
+#include <compare>
+#include <limits>
 #include <map>
 #include <optional>
 
@@ -88,12 +91,32 @@ private:
   std::map<TopAbs_ShapeEnum, std::vector<TopoDS_Shape>> partsByType;
 };
 
-// What was found on a shape, where it has no location.
+// What was found on a shape: where it has no location if it is rigid, else where it lies.
 struct Findings
 {
   std::vector<ModelCheckIssue> issues;
   std::vector<Place> places;
 };
+
+// Occurrences for which the same is found: those of one definition that differ only in where they
+// are. One that is scaled or mirrored stands for itself alone.
+struct FindingsKey
+{
+  const TopoDS_TShape* definition;
+  TopAbs_Orientation orientation;
+  bool isRigid;
+  std::size_t location;
+
+  auto operator<=>(const FindingsKey&) const = default;
+};
+
+FindingsKey KeyOf(const TopoDS_Shape& shape)
+{
+  const double scale = shape.IsNull() ? 1 : shape.Location().Transformation().ScaleFactor();
+  const bool isRigid = std::abs(scale - 1) < 1e-12;
+  const int hash = isRigid ? 0 : shape.Location().HashCode(std::numeric_limits<int>::max());
+  return {shape.TShape().get(), shape.Orientation(), isRigid, static_cast<std::size_t>(hash)};
+}
 
 Findings FindingsOf(const TopoDS_Shape& shape, const ModelCheckOptions& options)
 {
@@ -117,7 +140,9 @@ QJsonObject IssueJson(const NamedPart& part, const ModelCheckIssue& issue, const
   if (issue.subIndex > 0)
     json.insert("number", issue.subIndex);
   if (place) {
-    const gp_Pnt there = place->Transformed(part.shape.Location().Transformation());
+    const gp_Pnt there = KeyOf(part.shape).isRigid
+                           ? place->Transformed(part.shape.Location().Transformation())
+                           : *place;
     json.insert("point", QJsonArray{there.X(), there.Y(), there.Z()});
   }
   return json;
@@ -150,14 +175,14 @@ QJsonObject CheckModel(const std::string& path, const ModelCheckOptions& options
                        const ProgressSink& progress)
 {
   const std::vector<NamedPart> parts = ReadParts({path}, progress);
-  std::map<const TopoDS_TShape*, Findings> findings;
+  std::map<FindingsKey, Findings> findings;
   QJsonArray issues;
   for (std::size_t i = 0; i < parts.size(); ++i) {
     progress({QStringLiteral("check"), static_cast<double>(i) / static_cast<double>(parts.size())});
     const TopoDS_Shape& shape = parts[i].shape;
-    const auto [found, isNew] = findings.try_emplace(shape.TShape().get());
+    const auto [found, isNew] = findings.try_emplace(KeyOf(shape));
     if (isNew)
-      found->second = FindingsOf(shape.Located(TopLoc_Location()), options);
+      found->second = FindingsOf(found->first.isRigid ? shape.Located({}) : shape, options);
     for (std::size_t j = 0; j < found->second.issues.size(); ++j)
       issues.append(IssueJson(parts[i], found->second.issues[j], found->second.places[j]));
   }

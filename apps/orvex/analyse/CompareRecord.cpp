@@ -39,8 +39,16 @@ QString Row(const QString& name, const QString& source, const QString& candidate
   return row + QLatin1Char('\n');
 }
 
-QString Verdict(const QJsonObject& compared, const char* failure, const char* measure)
+bool IsCompared(const QJsonObject& compared, const char* what)
 {
+  return compared["compared"].toArray().contains(QLatin1String(what));
+}
+
+QString Verdict(const QJsonObject& compared, const char* what, const char* failure,
+                const char* measure)
+{
+  if (!IsCompared(compared, what))
+    return QStringLiteral("not compared");
   const bool differs = compared["failures"].toArray().contains(QLatin1String(failure));
   return QStringLiteral("%1  %2").arg(differs ? QStringLiteral("differs") : QStringLiteral("same"),
                                       Number(compared[QLatin1String(measure)].toDouble()));
@@ -67,7 +75,15 @@ QJsonObject CompareModels(const std::string& source, const std::string& candidat
   QJsonArray failures;
   for (const std::string& failure : report.failures)
     failures.append(TextFromBytes(failure));
+  QJsonArray compared;
+  for (const auto& [what, isCompared] : {std::pair{"volume", options.checkVolume},
+                                         {"area", options.checkArea},
+                                         {"box", options.checkBoundingBox},
+                                         {"topology", options.checkTopology}})
+    if (isCompared)
+      compared.append(QLatin1String(what));
   return {{"equivalent", report.equivalent},
+          {"compared", compared},
           {"failures", failures},
           {"volumeError", report.volumeRelativeError},
           {"areaError", report.areaRelativeError},
@@ -92,14 +108,15 @@ QString CompareText(const QJsonObject& compared)
               TerminalText(candidate["file"].toString()), {});
   text += Row(QStringLiteral("topology"), validity(source), validity(candidate), {});
   text += Row(QStringLiteral("volume"), number(source, "volume"), number(candidate, "volume"),
-              Verdict(compared, "volume_mismatch", "volumeError"));
+              Verdict(compared, "volume", "volume_mismatch", "volumeError"));
   text += Row(QStringLiteral("area"), number(source, "area"), number(candidate, "area"),
-              Verdict(compared, "area_mismatch", "areaError"));
+              Verdict(compared, "area", "area_mismatch", "areaError"));
   text += Row(QStringLiteral("box"), SizeOf(source), SizeOf(candidate),
-              Verdict(compared, "bbox_mismatch", "boxDeviation"));
+              Verdict(compared, "box", "bbox_mismatch", "boxDeviation"));
   for (const char* count : {"solids", "shells", "faces", "wires", "edges", "vertices"})
     text += Row(TextFromBytes(count), number(source, count), number(candidate, count),
-                source[QLatin1String(count)] == candidate[QLatin1String(count)]
+                !IsCompared(compared, "topology") ? QStringLiteral("not compared")
+                : source[QLatin1String(count)] == candidate[QLatin1String(count)]
                   ? QStringLiteral("same")
                   : QStringLiteral("differs"));
   return text;

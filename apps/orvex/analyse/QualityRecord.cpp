@@ -123,18 +123,24 @@ struct QualityRow
   const char* word;
   const char* quantity;
   Analyse analyse;
+  // When there is nothing to sample.
+  const char* advice;
 };
+
+constexpr const char* kNoFace = "it takes faces of some size";
 
 const QualityRow& RowOf(QualityKind kind)
 {
   static const std::map<QualityKind, QualityRow> rows = {
-    {QualityKind::Curvature, {"curvature", "mean curvature", MapTable}},
-    {QualityKind::Zebra, {"zebra", "stripe", MapTable}},
-    {QualityKind::Draft, {"draft", "draft angle in degrees", DraftTable}},
-    {QualityKind::MinRadius, {"min-radius", "radius", MinRadiusTable}},
-    {QualityKind::Thickness, {"thickness", "thickness", ThicknessTable}},
-    {QualityKind::Reflection, {"reflection", "checker", ReflectionTable}},
-    {QualityKind::Continuity, {"continuity", "angle in degrees", ContinuityTable}},
+    {QualityKind::Curvature, {"curvature", "mean curvature", MapTable, kNoFace}},
+    {QualityKind::Zebra, {"zebra", "stripe", MapTable, kNoFace}},
+    {QualityKind::Draft, {"draft", "draft angle in degrees", DraftTable, kNoFace}},
+    {QualityKind::MinRadius, {"min-radius", "radius", MinRadiusTable, "flat faces have no radius"}},
+    {QualityKind::Thickness,
+     {"thickness", "thickness", ThicknessTable, "open shells have no thickness"}},
+    {QualityKind::Reflection, {"reflection", "checker", ReflectionTable, kNoFace}},
+    {QualityKind::Continuity,
+     {"continuity", "angle in degrees", ContinuityTable, "it takes faces that share an edge"}},
   };
   return rows.at(kind);
 }
@@ -177,6 +183,18 @@ std::vector<double> ValuesOf(const QualityTable& table)
   return values;
 }
 
+QJsonArray SamplesJson(const QualityTable& table)
+{
+  QJsonArray samples;
+  for (const std::vector<double>& sample : table.rows) {
+    QJsonArray numbers;
+    for (const double number : sample)
+      numbers.append(number);
+    samples.append(numbers);
+  }
+  return samples;
+}
+
 QString BarText(const QJsonValue& bin, int most)
 {
   constexpr int kWidth = 40;
@@ -203,16 +221,10 @@ QJsonObject AnalyseQuality(const QualityRequest& request, const ProgressSink& pr
                   TextFromBytes(request.path),
                   {},
                   QStringLiteral("there is nothing to sample for %1").arg(row.word),
-                  QStringLiteral("flat faces have no radius, open shells no thickness")};
-  QJsonArray columns, samples;
+                  TextFromBytes(row.advice)};
+  QJsonArray columns;
   for (const char* column : table.columns)
     columns.append(TextFromBytes(column));
-  for (const std::vector<double>& sample : table.rows) {
-    QJsonArray numbers;
-    for (const double number : sample)
-      numbers.append(number);
-    samples.append(numbers);
-  }
   return {{"file", TextFromBytes(request.path)},
           {"analysis", TextFromBytes(row.word)},
           {"quantity", TextFromBytes(row.quantity)},
@@ -220,7 +232,8 @@ QJsonObject AnalyseQuality(const QualityRequest& request, const ProgressSink& pr
           {"facts", table.facts},
           {"histogram", HistogramJson(values)},
           {"columns", columns},
-          {"samples", samples}};
+          {"count", static_cast<qint64>(table.rows.size())},
+          {"samples", request.withSamples ? SamplesJson(table) : QJsonArray()}};
 }
 
 QString QualityText(const QJsonObject& result)
@@ -228,7 +241,7 @@ QString QualityText(const QJsonObject& result)
   const QJsonObject figures = result["figures"].toObject(), facts = result["facts"].toObject();
   QString text = QStringLiteral("%1: %2 of %3 samples: %4 to %5, average %6\n")
                    .arg(TerminalText(result["file"].toString()), result["quantity"].toString())
-                   .arg(result["samples"].toArray().size())
+                   .arg(result["count"].toInteger())
                    .arg(Number(figures["min"].toDouble()), Number(figures["max"].toDouble()),
                         Number(figures["average"].toDouble()));
   for (auto fact = facts.begin(); fact != facts.end(); ++fact)

@@ -24,6 +24,8 @@ struct QualityRequest
   double frequency = 10.0;
   double tileSize = 0.2;
   double tolerance = 1e-6;
+  // The result has the samples themselves, too.
+  bool withSamples = true;
 };
 
 // Reads the file and analyses the whole model.

@@ -2,6 +2,7 @@
 #include "commands/Commands.h"
 
 #include "analyse/CheckRecord.h"
+#include "frame/NumberCheck.h"
 #include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
@@ -21,7 +22,7 @@ struct CheckOptions
 {
   std::vector<std::string> files;
   ModelCheckOptions limits;
-  double stallLimitSeconds = kStallLimitSeconds;
+  double stallLimitSeconds = 0;
 };
 
 QJsonObject CheckFile(const std::string& path, const CheckOptions& options, Session& session)
@@ -91,6 +92,7 @@ Action DeclareCheck(CLI::App& app)
     app
       .add_option(name, value,
                   QStringLiteral("%1 (%2; 0: no check)").arg(help).arg(value).toStdString())
+      ->check(NumberFromZero())
       ->option_text("SIZE");
   };
   limit("--short-edge", options->limits.shortEdgeThreshold, "Length below which an edge is short");

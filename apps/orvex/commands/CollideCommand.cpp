@@ -2,6 +2,7 @@
 #include "commands/Commands.h"
 
 #include "collide/CollisionReport.h"
+#include "frame/NumberCheck.h"
 #include "frame/PendingFile.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
@@ -150,12 +151,12 @@ Action DeclareCollide(CLI::App& app)
   app.add_option("FILE", request.files, "STEP, IGES and BRep files, binary documents")->required();
   AddPresetAndIndex(app, *options);
   app.add_option("--tolerance", options->tolerance, "What counts as contact, in model units")
-    ->check(CLI::NonNegativeNumber.description(""))
+    ->check(NumberFromZero())
     ->option_text("LENGTH");
   app
     .add_option("--min-volume", request.minVolume,
                 "Leave out touching parts and overlaps below this volume")
-    ->check(CLI::NonNegativeNumber.description(""))
+    ->check(NumberFromZero())
     ->each([&request](const std::string&) { request.minVolumeGiven = true; })
     ->option_text("VOLUME");
   app

@@ -2,6 +2,7 @@
 #include "commands/Commands.h"
 
 #include "analyse/CompareRecord.h"
+#include "frame/NumberCheck.h"
 #include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
@@ -19,7 +20,7 @@ struct CompareOptions
   std::string source;
   std::string candidate;
   ShapeEquivalenceOptions limits;
-  double stallLimitSeconds = kStallLimitSeconds;
+  double stallLimitSeconds = 0;
 };
 
 ExitCode RunCompare(const CompareOptions& options, Session& session)
@@ -50,7 +51,7 @@ Action DeclareCompare(CLI::App& app)
   app.add_option("CANDIDATE", options->candidate, "What is compared with it")->required();
   const auto tolerance = [&](const char* name, double& value, const char* help) {
     app.add_option(name, value, QStringLiteral("%1 (%2)").arg(help).arg(value).toStdString())
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(NumberFromZero())
       ->option_text("T");
   };
   tolerance("--relative", options->limits.relativeTolerance,

@@ -2,6 +2,7 @@
 #include "commands/Commands.h"
 
 #include "collide/CollisionReport.h"
+#include "frame/NumberCheck.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
 
@@ -34,16 +35,16 @@ Action DeclareInterfere(CLI::App& app)
   const auto request = std::make_shared<InterferenceRequest>();
   app.add_option("FILE", request->files, "STEP, IGES and BRep files, binary documents")->required();
   app.add_option("--tolerance", request->tolerance, "Added around the boxes of parts (0)")
-    ->check(CLI::NonNegativeNumber.description(""))
+    ->check(NumberFromZero())
     ->option_text("LENGTH");
   app
     .add_option_function<double>(
       "--filter", [request](double linear) { request->linear = linear; },
       "Pass over pairs farther apart than twice this deflection")
-    ->check(CLI::PositiveNumber.description(""))
+    ->check(NumberAboveZero())
     ->option_text("LENGTH");
   app.add_option("--angle", request->angular, "Angle of the filter's meshes (0.5)")
-    ->check(CLI::PositiveNumber.description(""))
+    ->check(NumberAboveZero())
     ->option_text("RADIANS");
   return [request](Session& session) { return RunInterfere(*request, session); };
 }

@@ -1,6 +1,7 @@
 // orvex pick: what lines hit in a model.
 #include "commands/Commands.h"
 
+#include "frame/NumberCheck.h"
 #include "frame/StallLimit.h"
 #include "frame/Text.h"
 #include "frame/Worker.h"
@@ -83,7 +84,7 @@ Action DeclarePick(CLI::App& app)
     .add_option_function<double>(
       "--tolerance", [&request](double tolerance) { request.tolerance = tolerance; },
       "How far from the ray an edge may lie (0.1)")
-    ->check(CLI::NonNegativeNumber.description(""))
+    ->check(NumberFromZero())
     ->option_text("LENGTH");
   AddStallLimit(app, options->stallLimitSeconds);
   return [options](Session& session) { return RunPick(*options, session); };

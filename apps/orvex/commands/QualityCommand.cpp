@@ -3,6 +3,7 @@
 
 #include "analyse/QualityRecord.h"
 #include "create/ParameterInput.h"
+#include "frame/NumberCheck.h"
 #include "frame/OutputDescriptor.h"
 #include "frame/PendingFile.h"
 #include "frame/StallLimit.h"
@@ -60,6 +61,7 @@ ExitCode RunQuality(const QualityOptions& options, Session& session)
 {
   QualityRequest request = options.request;
   request.direction = DirectionOf(options.direction);
+  request.withSamples = session.Options().json || !options.csv.empty();
   std::optional<PendingFile> csv;
   if (!options.csv.empty())
     csv.emplace(options.csv);
@@ -102,10 +104,13 @@ Action DeclareQuality(CLI::App& app)
     ->expected(3)
     ->option_text("X,Y,Z");
   app.add_option("--min-angle", request.minAngleDegrees, "Draft that is required, degrees (1)")
+    ->check(NumberFromZero())
     ->option_text("A");
-  app.add_option("--frequency", request.frequency, "Of the stripes (10)")->option_text("F");
+  app.add_option("--frequency", request.frequency, "Of the stripes (10)")
+    ->check(AnyNumber())
+    ->option_text("F");
   app.add_option("--tile", request.tileSize, "Size of the checkered tiles, radians (0.2)")
-    ->check(CLI::PositiveNumber.description(""))
+    ->check(NumberAboveZero())
     ->option_text("R");
   app.add_option("--csv", options->csv, "Write all samples")->option_text("FILE");
   AddStallLimit(app, options->stallLimitSeconds);

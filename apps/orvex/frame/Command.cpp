@@ -2,6 +2,7 @@
 
 #include "foundation/LibraryVersion.h"
 #include "frame/Interrupt.h"
+#include "frame/NumberCheck.h"
 #include "frame/Text.h"
 
 #include <CLI/CLI.hpp>
@@ -30,7 +31,7 @@ void AddCommonOptions(CLI::App& app, CommonOptions& options)
   app
     .add_option("--time-limit", options.timeLimitSeconds,
                 "Give up on an input after so long (0, the default: never)")
-    ->check(CLI::NonNegativeNumber.description(""))
+    ->check(NumberFromZero())
     ->option_text("SECONDS");
   auto* quiet = app.add_flag("-q,--quiet", options.quiet, "No progress, no warnings");
   app.add_flag("-v,--verbose", options.verbose, "Say more, and let the kernel speak")

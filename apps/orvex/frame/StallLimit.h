@@ -1,6 +1,7 @@
 // The option of subcommands that leave work to the kernel in a worker.
 #pragma once
 
+#include "frame/NumberCheck.h"
 #include <CLI/CLI.hpp>
 #include <QString>
 
@@ -18,7 +19,7 @@ inline void AddStallLimit(CLI::App& app, double& seconds)
                 QStringLiteral("Give up after so long without progress (%1; 0: never)")
                   .arg(seconds)
                   .toStdString())
-    ->check(CLI::NonNegativeNumber.description(""))
+    ->check(NumberFromZero())
     ->option_text("SECONDS");
 }
 

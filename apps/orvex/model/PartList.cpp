@@ -16,6 +16,7 @@
 #include <XCAFDoc_ShapeTool.hxx>
 
 #include <filesystem>
+#include <iterator>
 #include <map>
 
 namespace Orvex::Cli {
@@ -68,13 +69,29 @@ private:
       AddSolids({shape}, TextFromBytes(node.name), path);
   }
 
+  // The solids, then as one shape what stands beside them; all of a shape without solids.
   static void AppendSolids(const TopoDS_Shape& shape, Shapes& solids)
   {
     const std::size_t before = solids.size();
     for (TopExp_Explorer solid(shape, TopAbs_SOLID); solid.More(); solid.Next())
       solids.push_back(solid.Current());
-    if (solids.size() == before)
-      solids.push_back(shape);
+    const TopoDS_Shape rest = solids.size() == before ? shape : BesideSolids(shape);
+    if (!rest.IsNull())
+      solids.push_back(rest);
+  }
+
+  static TopoDS_Shape BesideSolids(const TopoDS_Shape& shape)
+  {
+    static constexpr TopAbs_ShapeEnum kTypes[] = {TopAbs_SOLID, TopAbs_SHELL, TopAbs_FACE,
+                                                  TopAbs_WIRE,  TopAbs_EDGE,  TopAbs_VERTEX};
+    TopoDS_Compound rest;
+    for (std::size_t i = 1; i < std::size(kTypes); ++i)
+      for (TopExp_Explorer part(shape, kTypes[i], kTypes[i - 1]); part.More(); part.Next()) {
+        if (rest.IsNull())
+          BRep_Builder().MakeCompound(rest);
+        BRep_Builder().Add(rest, part.Current());
+      }
+    return rest;
   }
 
   static std::vector<QString> Below(const QString& above, const std::vector<QString>& names)

@@ -1,10 +1,13 @@
 #include "kernel/internal/CurveShapes.h"
 
 #include <BRepAdaptor_Curve.hxx>
+#include <BRepBndLib.hxx>
 #include <BRepBuilderAPI_MakeWire.hxx>
 #include <BRepTools.hxx>
 #include <BRep_Tool.hxx>
+#include <Bnd_Box.hxx>
 #include <Geom_Curve.hxx>
+#include <Precision.hxx>
 #include <TopExp_Explorer.hxx>
 #include <TopTools_MapOfShape.hxx>
 #include <TopoDS.hxx>
@@ -22,11 +25,31 @@ bool IsCurved(const TopoDS_Edge& edge)
   return HasCurve(edge) && BRepAdaptor_Curve(edge).GetType() != GeomAbs_Line;
 }
 
-bool IsFarOut(const TopoDS_Shape& vertex)
+bool HasCurvedEdge(const TopoDS_Shape& shape)
+{
+  const std::vector<TopoDS_Edge> edges = EdgesOf(shape);
+  return std::any_of(edges.begin(), edges.end(), &IsCurved);
+}
+
+bool IsEndless(const TopoDS_Edge& edge)
+{
+  double first = 0, last = 0;
+  BRep_Tool::Range(edge, first, last);
+  return Precision::IsInfinite(first) || Precision::IsInfinite(last);
+}
+
+bool ReachesFarOut(const TopoDS_Shape& shape)
 {
   constexpr double kFarOut = 4e8;
-  const gp_Pnt place = BRep_Tool::Pnt(TopoDS::Vertex(vertex));
-  return std::max({std::abs(place.X()), std::abs(place.Y()), std::abs(place.Z())}) > kFarOut;
+  const std::vector<TopoDS_Edge> edges = EdgesOf(shape);
+  if (std::any_of(edges.begin(), edges.end(), &IsEndless))
+    return true;
+  Bnd_Box box;
+  BRepBndLib::Add(shape, box, false);
+  if (box.IsVoid())
+    return false;
+  const gp_Pnt low = box.CornerMin(), high = box.CornerMax();
+  return std::max({-low.X(), -low.Y(), -low.Z(), high.X(), high.Y(), high.Z()}) > kFarOut;
 }
 
 } // namespace
@@ -88,15 +111,10 @@ bool PassesAnEdgeTwice(const TopoDS_Wire& wire)
                       [&](const TopoDS_Edge& edge) { return passed.Add(edge); });
 }
 
-bool IsTooLargeToFollow(const TopoDS_Shape& shape)
+bool AreTooLargeToFollow(std::initializer_list<TopoDS_Shape> shapes)
 {
-  const std::vector<TopoDS_Edge> edges = EdgesOf(shape);
-  if (std::none_of(edges.begin(), edges.end(), &IsCurved))
-    return false;
-  TopExp_Explorer vertex(shape, TopAbs_VERTEX);
-  while (vertex.More() && !IsFarOut(vertex.Current()))
-    vertex.Next();
-  return vertex.More();
+  return std::any_of(shapes.begin(), shapes.end(), &HasCurvedEdge) &&
+         std::any_of(shapes.begin(), shapes.end(), &ReachesFarOut);
 }
 
 bool IsSameShape(const TopoDS_Shape& first, const TopoDS_Shape& second)

@@ -4,6 +4,7 @@
 #include <TopoDS_Edge.hxx>
 #include <TopoDS_Wire.hxx>
 
+#include <initializer_list>
 #include <vector>
 
 namespace Orvex {
@@ -27,9 +28,10 @@ bool HasCurve(const TopoDS_Edge& edge);
 // Whether an edge occurs twice, as the seam in the border of a cylinder does.
 bool PassesAnEdgeTwice(const TopoDS_Wire& wire);
 
-// Whether a shape has curved edges and lies so far out, beyond 4e8, that neighbouring numbers are
-// further apart than the kernel's tolerance: it looks for closer points on them, almost for ever.
-bool IsTooLargeToFollow(const TopoDS_Shape& shape);
+// Whether there are curved edges, and one of the shapes reaches so far out, beyond 4e8, that
+// neighbouring numbers are further apart than the kernel's tolerance: it looks for closer points on
+// them, almost for ever, and projects lines from 1e16 on to them with a crash.
+bool AreTooLargeToFollow(std::initializer_list<TopoDS_Shape> shapes);
 
 // The same thing at the same place, whatever the orientations; a null shape is like none.
 bool IsSameShape(const TopoDS_Shape& first, const TopoDS_Shape& second);

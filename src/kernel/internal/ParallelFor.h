@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -38,8 +39,13 @@ void ParallelFor(std::size_t count, MakeState&& makeState, Work&& work)
   const std::size_t threads =
     std::min<std::size_t>(count, std::max(1U, std::thread::hardware_concurrency()));
   std::vector<std::thread> others;
-  for (std::size_t i = 1; i < threads; ++i)
-    others.emplace_back(run);
+  others.reserve(threads);
+  try {
+    for (std::size_t i = 1; i < threads; ++i)
+      others.emplace_back(run);
+  } catch (const std::system_error&) {
+    // The threads that the system gives do the work.
+  }
   run();
   for (std::thread& thread : others)
     thread.join();
