@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <ctime>
 #include <functional>
 
 inline double MicrosecondsPerIteration(benchmark::State& state, const std::function<void()>& work)
@@ -14,4 +15,20 @@ inline double MicrosecondsPerIteration(benchmark::State& state, const std::funct
   const std::chrono::duration<double, std::micro> elapsed =
     std::chrono::steady_clock::now() - start;
   return elapsed.count() / static_cast<double>(state.iterations());
+}
+
+// Of this thread alone, so that what else the machine does plays little part.
+inline double ThreadSeconds()
+{
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
+}
+
+template <typename Work>
+double ThreadSecondsFor(Work&& work)
+{
+  const double start = ThreadSeconds();
+  work();
+  return ThreadSeconds() - start;
 }

@@ -5,6 +5,7 @@
 // Picks of faces, edges and vertices among 10 to 10,000 shapes, against the same test on just the
 // shapes that the line hits. Building and asking the tree of shapes.
 
+#include "Timing.h"
 #include "picking/OCCPickingSystem.h"
 #include "picking/OrvexPickShapeData.h"
 #include "picking/OrvexShapeOctree.h"
@@ -33,7 +34,6 @@
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
-#include <ctime>
 #include <limits>
 #include <malloc.h>
 #include <map>
@@ -53,22 +53,6 @@ struct Ray
   gp_Pnt origin;
   gp_Dir direction;
 };
-
-// Of this thread alone, so that what else the machine does plays little part.
-double ThreadSeconds()
-{
-  timespec time{};
-  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-template <typename Work>
-double SecondsFor(Work&& work)
-{
-  const double start = ThreadSeconds();
-  work();
-  return ThreadSeconds() - start;
-}
 
 std::size_t HeapBytes()
 {
@@ -123,7 +107,7 @@ Target TargetOf(const TopoDS_Shape& shape)
   Target target{shape, std::make_unique<OrvexPickShapeData>(shape), RaysAt(shape)};
   malloc_trim(0);
   const std::size_t before = HeapBytes();
-  target.buildSeconds = SecondsFor([&] { target.data->Initialize(); });
+  target.buildSeconds = ThreadSecondsFor([&] { target.data->Initialize(); });
   malloc_trim(0);
   target.bytes = HeapBytes() - before;
   return target;
@@ -218,9 +202,9 @@ void CompareWithEmbree(benchmark::State& state, const Target& target, double our
   const std::vector<OrvexTriangleData> triangles = target.data->GetKDTree()->Triangles();
   embreeBytes = 0;
   std::optional<EmbreeScene> scene;
-  const double build = SecondsFor([&] { scene.emplace(triangles); });
+  const double build = ThreadSecondsFor([&] { scene.emplace(triangles); });
   int hits = 0;
-  const double seconds = SecondsFor([&] {
+  const double seconds = ThreadSecondsFor([&] {
     for (const Ray& ray : target.rays)
       hits += scene->Hits(ray) ? 1 : 0;
   });
@@ -244,7 +228,7 @@ double KernelSecondsPerRay(const Target& target)
   IntCurvesFace_ShapeIntersector intersector;
   intersector.Load(target.shape, 1e-7);
   static constexpr int kShare = 1000;
-  const double seconds = SecondsFor([&] {
+  const double seconds = ThreadSecondsFor([&] {
     for (int i = 0; i < kRays; i += kShare) {
       const Ray& ray = target.rays[static_cast<std::size_t>(i)];
       intersector.PerformNearest(gp_Lin(ray.origin, ray.direction), 0, 1e9);
@@ -260,7 +244,7 @@ void PickOnTriangles(benchmark::State& state, const Target& target)
   int hits = 0;
   for ([[maybe_unused]] auto iteration : state) {
     hits = 0;
-    const double taken = SecondsFor([&] {
+    const double taken = ThreadSecondsFor([&] {
       for (const Ray& ray : target.rays)
         hits += tree.NearestHit(ray.origin, ray.direction) ? 1 : 0;
     });
@@ -343,7 +327,7 @@ void BM_Level(benchmark::State& state)
                        gp_Dir(1, random.Real(-0.1, 0.1), random.Real(-0.1, 0.1)));
   }
   OCCPickingSystem picking;
-  const double setting = SecondsFor([&] { picking.SetShapesToPick(shapes); });
+  const double setting = ThreadSecondsFor([&] { picking.SetShapesToPick(shapes); });
   picking.SetPickingLevel(level);
   std::size_t hits = 0, reached = 0;
   std::vector<std::vector<TopoDS_Shape>> hit(lines.size());
@@ -360,7 +344,7 @@ void BM_Level(benchmark::State& state)
   double seconds = 0;
   for ([[maybe_unused]] auto iteration : state) {
     hits = 0;
-    seconds = SecondsFor([&] {
+    seconds = ThreadSecondsFor([&] {
       for (const gp_Lin& line : lines)
         hits += picking.PickShapes(line).size();
     });
@@ -372,7 +356,7 @@ void BM_Level(benchmark::State& state)
     few.SetShapesToPick(hit[i]);
     few.SetPickingLevel(level);
     few.PickShapes(lines[i]);
-    alone += SecondsFor([&] { few.PickShapes(lines[i]); });
+    alone += ThreadSecondsFor([&] { few.PickShapes(lines[i]); });
   }
   const auto count = static_cast<double>(lines.size());
   state.counters["picks_s"] = count / seconds;
@@ -393,14 +377,14 @@ void BM_Octree(benchmark::State& state)
 {
   const std::vector<TopoDS_Shape> shapes = ManyShapes(static_cast<int>(state.range(0)));
   Bnd_Box box;
-  const double boxes = SecondsFor([&] {
+  const double boxes = ThreadSecondsFor([&] {
     for (const TopoDS_Shape& shape : shapes)
       BRepBndLib::Add(shape, box, true);
   });
   std::unique_ptr<OrvexShapeOctree> tree;
   double build = 0;
   for ([[maybe_unused]] auto iteration : state) {
-    build = SecondsFor([&] {
+    build = ThreadSecondsFor([&] {
       tree = std::make_unique<OrvexShapeOctree>(box, 6, 128);
       tree->InsertShapes(shapes);
     });
@@ -409,7 +393,7 @@ void BM_Octree(benchmark::State& state)
   const gp_Lin line(gp_Pnt(-5, 2.3, 0.7), gp_Dir(1, 0.01, 0.02));
   static constexpr int kQueries = 20;
   std::size_t found = 0;
-  const double query = SecondsFor([&] {
+  const double query = ThreadSecondsFor([&] {
     for (int i = 0; i < kQueries; ++i)
       found = tree->GetCandidateShapes(line, 0.1).size();
   });

@@ -46,6 +46,10 @@ SurfaceQualityReport MapOf(const TopoDS_Face& face, const GridSize& size, const 
   if (face.IsNull() || !size.IsEnough())
     return report;
   const FaceSampling sampling(face);
+  // Not every place need be a sample.
+  constexpr std::size_t kMostReserved = 1 << 20;
+  if (!sampling.IsEmpty())
+    report.samples.reserve(std::min(size.Count(), kMostReserved));
   double gaussianSum = 0, meanSum = 0;
   sampling.EachPlace(
     size, kSecondDerivatives, [&](const GridPlace& place, GeomLProp_SLProps& properties) {

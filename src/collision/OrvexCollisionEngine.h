@@ -15,7 +15,8 @@
 //
 // Caveats: what a configuration overlooks.
 // - The octree pairs parts of one leaf only, and the curve (useMortonIndex) only neighbours; grid
-//   and R-tree lose no pair.
+//   and R-tree lose no parts whose boxes meet. Contacts of parts that are apart, by less than the
+//   tolerance, can be lost by all of them.
 // - The filters on meshes and faces look at surfaces: a part wholly inside another one, away from
 //   its surface, is cleared. So is, by the distance between meshes, any part inside another.
 // - Meshes cut corners: parts that touch on curved surfaces can come out apart.
@@ -24,7 +25,7 @@
 //   (farFactor). It finds parts that touch rather than parts that overlap.
 // - The kernel's exact distance is positive for a few overlapping pairs.
 // OrvexCollisionTrace finds what was overlooked, the proposals of an index apart.
-// The settings that overlook none of this, the last apart: spaceIndexKind 3, narrowPhaseMode 1,
+// The settings that overlook none of this, the last apart: spaceIndexKind 0, narrowPhaseMode 1,
 // exactMode 1.
 //
 // For one thread at a time; a run uses threads of its own. Two runs at a time must share no shapes.
@@ -55,7 +56,7 @@ class ORVEX_API OrvexCollisionEngine
 public:
   // Pairs done, and how many there are. Called on the thread that computes, after the work is done
   // when threads share it. What it throws ends the run and goes to the caller; the engine is as
-  // good as before, and what was found is in the metrics and the trace.
+  // good as before, and what was found is in lastMetrics() and the trace.
   using Progress = std::function<void(int, int)>;
 
   // The default configuration without statistics: give those of the scene before a run.

@@ -101,6 +101,7 @@ public:
     // beyond it.
     if (!result.usedFallback && ReachesBorder(result.shape, clipRegion)) {
       trace.wasWidened = true;
+      result.shape.Nullify();
       clipRegion = Enlarged(shared, MarginFor(shared));
       if (!ClipAndMakeCommon())
         return;
@@ -154,6 +155,8 @@ private:
       return std::array{Orvex::CollectTriangles(reducedA, deflection),
                         Orvex::CollectTriangles(reducedB, deflection)};
     });
+    Orvex::RemoveMeshesOfNewFaces(reducedA, a);
+    Orvex::RemoveMeshesOfNewFaces(reducedB, b);
     trace.trianglesA = triangles[0].size();
     trace.trianglesB = triangles[1].size();
     if (triangles[0].empty() || triangles[1].empty())

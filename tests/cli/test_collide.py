@@ -54,7 +54,7 @@ class Collide(Scene):
         report, pairs = self.pairs("b.brep", "c.brep", "--preset", "fast", "--check")
         self.assertEqual([(p["kind"], p["volume"]) for p in pairs.values()], [("meeting", None)])
         self.assertEqual(report["missed"], [])
-        answer = self.call("collide", "--json", "a.brep", "e.brep", "--preset", "fast", "--check", code=0)
+        answer = self.call("collide", "--json", "a.brep", "e.brep", "--preset", "fast", "--check", code=1)
         self.assertIn("1 of the cleared pairs", answer.warning_lines[0])
         (missed,) = answer.json()["missed"]
         self.assertEqual((missed["a"]["name"], missed["b"]["name"]), ("a", "e"))

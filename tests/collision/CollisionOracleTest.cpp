@@ -80,7 +80,9 @@ private:
     if (a.box.IsOut(b.box))
       return;
     const double fuzzy = Config().relativeFuzzy * stats.sceneDiagonal;
-    const bool near = Orvex::ExactDistanceOf(a.shape, b.shape)->value <= fuzzy;
+    const auto distance = Orvex::ExactDistanceOf(a.shape, b.shape);
+    ASSERT_TRUE(distance) << "parts " << i << " and " << j;
+    const bool near = distance->value <= fuzzy;
     const double volume = Orvex::CommonVolumeOrNone(a.shape, b.shape, fuzzy);
     if (volume > 1e-6) {
       truth.overlapping.emplace(i, j);

@@ -9,6 +9,9 @@
 #include <BRepAlgoAPI_Common.hxx>
 #include <BRepAlgoAPI_Fuse.hxx>
 #include <BRepCheck_Analyzer.hxx>
+#include <BRep_CurveRepresentation.hxx>
+#include <BRep_ListOfCurveRepresentation.hxx>
+#include <BRep_TEdge.hxx>
 #include <TopExp.hxx>
 #include <TopTools_IndexedMapOfShape.hxx>
 
@@ -78,6 +81,30 @@ TEST(MeshRoiBoolean, WidensARegionThatTheCommonReachesBeyond)
   const auto result = OrvexMeshRoiBoolean::compute(wall, ball, config, 1e-7, trace);
   EXPECT_TRUE(trace.wasWidened);
   EXPECT_NEAR(result.volume, M_PI * 9 * (3 * 5 - 3) / 3, 1e-6); // a cap of height 3
+}
+
+// How many polygons on triangulations the edges of a shape have.
+int PolygonCount(const TopoDS_Shape& shape)
+{
+  int count = 0;
+  TopTools_IndexedMapOfShape edges;
+  TopExp::MapShapes(shape, TopAbs_EDGE, edges);
+  for (int i = 1; i <= edges.Extent(); ++i) {
+    const auto edge = opencascade::handle<BRep_TEdge>::DownCast(edges(i).TShape());
+    for (const opencascade::handle<BRep_CurveRepresentation>& curve : edge->Curves())
+      count += curve->IsPolygonOnTriangulation() ? 1 : 0;
+  }
+  return count;
+}
+
+TEST(MeshRoiBoolean, CallsLeaveNoMeshesOfTheirOwnFaces)
+{
+  const TopoDS_Shape a = PerforatedPlate(6, {0, 0, 0}), b = PerforatedPlate(6, {46, 46, 2.5});
+  OrvexMeshRoiBoolean::compute(a, b, {}, 1e-7);
+  const int once = PolygonCount(a);
+  EXPECT_GT(once, 0);
+  OrvexMeshRoiBoolean::compute(a, b, {}, 1e-7);
+  EXPECT_EQ(PolygonCount(a), once);
 }
 
 TEST(MeshRoiBoolean, OutcomesWithoutASolidAreTold)

@@ -91,10 +91,9 @@ std::vector<OrvexModelPart> ModelParts(const std::vector<NamedPart>& named,
 // Touching parts have a common without a volume; without a common nobody knows.
 const char* KindOf(const OrvexCollisionResult& result, bool isMeasured)
 {
-  constexpr double kNoVolume = 1e-9;
   if (!isMeasured)
     return "meeting";
-  return result.overlapVolume > kNoVolume ? "overlap" : "contact";
+  return result.overlapVolume > 0 ? "overlap" : "contact";
 }
 
 gp_Pnt CentreOf(const TopoDS_Shape& shape)

@@ -65,7 +65,8 @@ ExitCode CodeOf(const QJsonObject& report)
 {
   if (report.value("timedOut").toBool())
     return ExitCode::TimeLimit;
-  if (!report.value("pairs").toArray().isEmpty() || report.value("overlap").toBool())
+  if (!report.value("pairs").toArray().isEmpty() || report.value("overlap").toBool() ||
+      !report.value("missed").toArray().isEmpty())
     return ExitCode::Found;
   return report.value("failedPairs").toInt() > 0 ? ExitCode::Partial : ExitCode::Done;
 }

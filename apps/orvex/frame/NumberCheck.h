@@ -8,13 +8,15 @@
 
 namespace Orvex::Cli {
 
-template <typename IsAllowed> CLI::Validator FiniteNumber(const char* rule, IsAllowed isAllowed)
+template <typename IsAllowed>
+CLI::Validator FiniteNumber(const char* rule, IsAllowed isAllowed)
 {
   return {[rule, isAllowed](std::string& text) {
             double number = 0;
             const bool isNumber = CLI::detail::lexical_cast(text, number);
-            return isNumber && std::isfinite(number) && isAllowed(number) ? std::string()
-                                                                          : text + " is not " + rule;
+            return isNumber && std::isfinite(number) && isAllowed(number)
+                     ? std::string()
+                     : text + " is not " + rule;
           },
           {}};
 }

@@ -21,6 +21,11 @@ struct GridSize
   {
     return nu >= 2 && nv >= 2;
   }
+
+  std::size_t Count() const
+  {
+    return static_cast<std::size_t>(nu) * static_cast<std::size_t>(nv);
+  }
 };
 
 struct GridPlace

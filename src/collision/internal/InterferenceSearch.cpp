@@ -137,7 +137,10 @@ void InterferenceSearch::TryPair(std::size_t first, std::size_t second)
     return;
   if (filter.enabled && IsFarByMesh(shapes[first], shapes[second]))
     return;
-  if (HasVertex(BooleanOf(BOPAlgo_COMMON, shapes[first], shapes[second])))
+  const TopoDS_Shape common = BooleanOf(BOPAlgo_COMMON, shapes[first], shapes[second]);
+  if (common.IsNull())
+    throw StdFail_NotDone("no common of two shapes");
+  if (HasVertex(common))
     found.emplace_back(first, second);
 }
 

@@ -4,6 +4,7 @@
 
 #include <BRepAdaptor_Surface.hxx>
 #include <BRepBndLib.hxx>
+#include <BRepTools.hxx>
 #include <BRepTools_ReShape.hxx>
 #include <BRep_Builder.hxx>
 #include <TopExp.hxx>
@@ -188,6 +189,18 @@ TopoDS_Shape RegionReduction::Rebuilt() const
       changes.Replace(face, Without(wires->second, face));
   }
   return changes.Apply(shape);
+}
+
+void RemoveMeshesOfNewFaces(const TopoDS_Shape& reduction, const TopoDS_Shape& shape)
+{
+  if (reduction.IsSame(shape))
+    return;
+  TopTools_IndexedMapOfShape known, all;
+  TopExp::MapShapes(shape, TopAbs_FACE, known);
+  TopExp::MapShapes(reduction, TopAbs_FACE, all);
+  for (int i = 1; i <= all.Extent(); ++i)
+    if (!known.Contains(all(i)))
+      BRepTools::Clean(all(i));
 }
 
 } // namespace Orvex

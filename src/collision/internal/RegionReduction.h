@@ -65,4 +65,8 @@ private:
   std::vector<bool> isDropped;      // by feature
 };
 
+// Takes the meshes of faces that only the reduction has off their edges again: those belong to the
+// shape.
+void RemoveMeshesOfNewFaces(const TopoDS_Shape& reduction, const TopoDS_Shape& shape);
+
 } // namespace Orvex
