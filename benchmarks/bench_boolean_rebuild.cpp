@@ -3,6 +3,7 @@
 // document of its own, since the kernel's defaults write on their operands, and does its work in
 // one command. The two run by turns. Prints the medians, the ratio, and the growth.
 
+#include "Timing.h"
 #include "creators/BoxShapeParaCreator.h"
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
@@ -17,7 +18,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <ctime>
 #include <stdexcept>
 #include <vector>
 
@@ -26,13 +26,6 @@ namespace {
 using Manager = ParametricFeatureManager;
 
 constexpr long kLongest = 100;
-
-double ProcessorSeconds()
-{
-  timespec time;
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
 
 struct Fuse
 {
@@ -71,12 +64,12 @@ public:
   double SecondsFor(Rebuild&& rebuild) const
   {
     ShapeDocMgr::GetInstance()->SetDoc(document);
-    const double start = ProcessorSeconds();
+    const double start = SecondsOn(CLOCK_PROCESS_CPUTIME_ID);
     document->NewCommand();
     for (const Fuse& fuse : fuses)
       rebuild(fuse);
     document->CommitCommand();
-    return ProcessorSeconds() - start;
+    return SecondsOn(CLOCK_PROCESS_CPUTIME_ID) - start;
   }
 
   Handle(XCAFDoc_ShapeTool) Tool() const

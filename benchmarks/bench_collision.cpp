@@ -33,7 +33,6 @@
 
 #include <omp.h>
 
-#include <chrono>
 #include <map>
 
 namespace {
@@ -43,14 +42,6 @@ using Orvex::TriBVH;
 using Tree = std::shared_ptr<const TriBVH>;
 using Parts = std::vector<OrvexModelPart>;
 using Pairs = std::vector<std::pair<int, int>>;
-
-template <typename Work>
-double SecondsFor(Work&& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
 
 struct Scene
 {
@@ -184,12 +175,12 @@ void BM_FastAgainstFcl(benchmark::State& state)
   for ([[maybe_unused]] auto iteration : state) {
     ForgetMeshes(scene);
     trace = {};
-    oursCold = SecondsFor(
+    oursCold = WallSecondsFor(
       [&] { OrvexCollisionEngine(config, scene.stats).compute(scene.parts, {}, nullptr, &trace); });
     ForgetMeshes(scene);
-    const double meshing = SecondsFor([&] { MeshAll(scene, config); });
+    const double meshing = WallSecondsFor([&] { MeshAll(scene, config); });
     std::vector<Tree> trees;
-    ours = SecondsFor([&] {
+    ours = WallSecondsFor([&] {
       trees = TreesOf(scene);
       int met = 0;
       for (const auto& [i, j] : pairs) {
@@ -205,8 +196,8 @@ void BM_FastAgainstFcl(benchmark::State& state)
       meshes.push_back(tree ? PeerMeshOf(*tree) : PeerMesh());
       triangles += meshes.back().triangles.size();
     }
-    peers =
-      SecondsFor([&] { benchmark::DoNotOptimize(PeerCollisions(PeerModelsOf(meshes), pairs)); });
+    peers = WallSecondsFor(
+      [&] { benchmark::DoNotOptimize(PeerCollisions(PeerModelsOf(meshes), pairs)); });
     peersCold = meshing + peers;
     state.SetIterationTime(oursCold);
   }
@@ -245,7 +236,8 @@ void BM_FastAgainstAllPairs(benchmark::State& state)
   config.spaceIndexKind = 0;
   const OrvexCollisionEngine all(config, scene.stats);
   const auto run = [&scene](const OrvexCollisionEngine& engine) {
-    return SecondsFor([&] { benchmark::DoNotOptimize(engine.compute(scene.parts, {}, nullptr)); });
+    return WallSecondsFor(
+      [&] { benchmark::DoNotOptimize(engine.compute(scene.parts, {}, nullptr)); });
   };
   run(indexed);
   run(all);
@@ -294,7 +286,7 @@ public:
     for (const auto& [i, j] : pairs)
       operands.emplace_back(BRepBuilderAPI_Copy(scene.shapes[static_cast<std::size_t>(i)], false),
                             BRepBuilderAPI_Copy(scene.shapes[static_cast<std::size_t>(j)], false));
-    return SecondsFor([&] {
+    return WallSecondsFor([&] {
       for (const auto& [a, b] : operands)
         TestPair(a, b);
     });
@@ -339,7 +331,7 @@ void BM_AccurateAgainstKernel(benchmark::State& state)
   const auto seconds = [&](int threads) {
     omp_set_num_threads(threads);
     const double taken =
-      SecondsFor([&] { benchmark::DoNotOptimize(engine.compute(scene.parts, {}, nullptr)); });
+      WallSecondsFor([&] { benchmark::DoNotOptimize(engine.compute(scene.parts, {}, nullptr)); });
     omp_set_num_threads(usual);
     return taken;
   };

@@ -3,6 +3,7 @@
 // run by turns. Prints the medians, the ratio, the growth, and what the copies of the operands cost
 // alone. The solids are the cells of a block, so that each has faces in common with up to six.
 
+#include "Timing.h"
 #include "kernel/internal/TopologyCopy.h"
 #include "operations/OrvexGeometryOp.h"
 
@@ -12,7 +13,6 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <ctime>
 #include <stdexcept>
 #include <vector>
 
@@ -48,22 +48,6 @@ TopoDS_Shape FusedByTheKernel(const List& cells)
   return builder.Shape();
 }
 
-// Of the processor: other programs on the machine do not count.
-double ProcessorSeconds()
-{
-  timespec time;
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return static_cast<double>(time.tv_sec) + 1e-9 * static_cast<double>(time.tv_nsec);
-}
-
-template <typename Work>
-double SecondsFor(Work&& work)
-{
-  const double start = ProcessorSeconds();
-  work();
-  return ProcessorSeconds() - start;
-}
-
 double Median(std::vector<double> values)
 {
   std::sort(values.begin(), values.end());
@@ -93,11 +77,12 @@ void BM_GeneralFuse(benchmark::State& state)
   for ([[maybe_unused]] auto iteration : state) {
     for (long i = 0; i < walks; ++i) {
       TopoDS_Shape result;
-      kernels.push_back(SecondsFor([&] { result = FusedByTheKernel(kernelCells); }));
+      kernels.push_back(ProcessSecondsFor([&] { result = FusedByTheKernel(kernelCells); }));
       RequireParts(result, state.range(0));
-      ours.push_back(SecondsFor([&] { result = OrvexGeometryOp::NonRegularBoolLCW(cells); }));
+      ours.push_back(
+        ProcessSecondsFor([&] { result = OrvexGeometryOp::NonRegularBoolLCW(cells); }));
       RequireParts(result, state.range(0));
-      copies.push_back(SecondsFor([&] { CopyAll(cells); }));
+      copies.push_back(ProcessSecondsFor([&] { CopyAll(cells); }));
     }
     state.SetIterationTime(Median(ours));
   }

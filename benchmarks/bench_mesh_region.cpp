@@ -2,6 +2,7 @@
 // which they meet, against the kernel's common of the whole plates. Prints both, the ratio, where
 // the time went, and how far the volumes and areas are apart.
 
+#include "Timing.h"
 #include "collision/OrvexMeshRoiBoolean.h"
 #include "support/CollisionScenes.h"
 #include "support/Measures.h"
@@ -11,7 +12,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <stdexcept>
 
 namespace {
@@ -20,21 +20,13 @@ using namespace OrvexTest;
 
 constexpr double kFuzzy = 1e-7;
 
-template <typename Work>
-double SecondsFor(Work&& work)
-{
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 // The kernel writes on its operands: each run gets copies, made outside of the clock.
 double KernelSeconds(const TopoDS_Shape& a, const TopoDS_Shape& b, TopoDS_Shape& common)
 {
   TopTools_ListOfShape first, second;
   first.Append(BRepBuilderAPI_Copy(a, false).Shape());
   second.Append(BRepBuilderAPI_Copy(b, false).Shape());
-  return SecondsFor([&] {
+  return WallSecondsFor([&] {
     BRepAlgoAPI_Common kernel;
     kernel.SetArguments(first);
     kernel.SetTools(second);
@@ -59,8 +51,8 @@ void BM_RegionAgainstWholeCommon(benchmark::State& state)
     const TopoDS_Shape freshA = BRepBuilderAPI_Copy(a, false),
                        freshB = BRepBuilderAPI_Copy(b, false);
     trace = {};
-    const double seconds =
-      SecondsFor([&] { result = OrvexMeshRoiBoolean::compute(freshA, freshB, {}, kFuzzy, trace); });
+    const double seconds = WallSecondsFor(
+      [&] { result = OrvexMeshRoiBoolean::compute(freshA, freshB, {}, kFuzzy, trace); });
     ours += seconds;
     kernel += KernelSeconds(a, b, whole);
     state.SetIterationTime(seconds);

@@ -9,7 +9,6 @@
 #include "picking/OCCPickingSystem.h"
 #include "picking/OrvexPickShapeData.h"
 #include "picking/OrvexShapeOctree.h"
-#include "step/CStepFileReader.h"
 #include "support/Plate.h"
 #include "support/Random.h"
 

@@ -26,18 +26,15 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <functional>
 
 namespace {
 
 using Analyzer = SurfaceQualityAnalyzer;
 
-double SecondsOf(const std::function<void()>& work)
+double WallSecondsOf(const std::function<void()>& work)
 {
-  const auto start = std::chrono::steady_clock::now();
-  work();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  return WallSecondsFor(work);
 }
 
 using Clock = double (*)(const std::function<void()>& work);
@@ -70,7 +67,7 @@ void Thickness(benchmark::State& state)
     state,
     [&] { benchmark::DoNotOptimize(OrvexTest::PlainThickness(plate, samples).values.size()); },
     [&] { benchmark::DoNotOptimize(Analyzer::AnalyzeThickness(plate, samples, 10).samples); },
-    SecondsOf);
+    WallSecondsOf);
   state.counters["faces"] = static_cast<double>(state.range(0) * state.range(0) + 6);
 }
 BENCHMARK(Thickness)

@@ -2,6 +2,7 @@
 // on the same sections. The two run by turns. Prints the medians in microseconds of processor time
 // and their ratio. Where an attempt failed before the winner, the ratio is what that costs.
 
+#include "Timing.h"
 #include "operations/AdvancedSurfaceOp.h"
 #include "support/SurfaceInputs.h"
 
@@ -11,7 +12,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include <ctime>
 #include <functional>
 #include <stdexcept>
 
@@ -22,19 +22,12 @@ using Op = AdvancedSurfaceOp;
 using Shapes = std::vector<TopoDS_Shape>;
 using Work = std::function<TopoDS_Shape()>;
 
-double ProcessorMicroseconds()
-{
-  timespec time;
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-  return 1e6 * static_cast<double>(time.tv_sec) + 1e-3 * static_cast<double>(time.tv_nsec);
-}
-
 double MicrosecondsFor(const Work& work)
 {
-  const double start = ProcessorMicroseconds();
-  if (work().IsNull())
-    throw std::runtime_error("nothing was built");
-  return ProcessorMicroseconds() - start;
+  return 1e6 * ProcessSecondsFor([&] {
+           if (work().IsNull())
+             throw std::runtime_error("nothing was built");
+         });
 }
 
 double Median(std::vector<double> values)
