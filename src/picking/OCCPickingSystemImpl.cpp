@@ -143,15 +143,22 @@ private:
 
 OCCPickingSystemImpl::OCCPickingSystemImpl() = default;
 OCCPickingSystemImpl::~OCCPickingSystemImpl() = default;
-OCCPickingSystemImpl::OCCPickingSystemImpl(const OCCPickingSystemImpl&) = default;
+OCCPickingSystemImpl::OCCPickingSystemImpl(const OCCPickingSystemImpl& other)
+    : shapes(other.shapes),
+      boxes(other.boxes == nullptr ? nullptr : std::make_unique<ShapeBoxes>(*other.boxes)),
+      level(other.level), tolerance(other.tolerance)
+{}
 OCCPickingSystemImpl::OCCPickingSystemImpl(OCCPickingSystemImpl&&) noexcept = default;
-OCCPickingSystemImpl& OCCPickingSystemImpl::operator=(const OCCPickingSystemImpl&) = default;
+OCCPickingSystemImpl& OCCPickingSystemImpl::operator=(const OCCPickingSystemImpl& other)
+{
+  return *this = OCCPickingSystemImpl(other);
+}
 OCCPickingSystemImpl& OCCPickingSystemImpl::operator=(OCCPickingSystemImpl&&) noexcept = default;
 
 void OCCPickingSystemImpl::SetShapes(const std::vector<TopoDS_Shape>& listed)
 {
   shapes = listed;
-  boxes = std::make_shared<ShapeBoxes>(shapes);
+  boxes = std::make_unique<ShapeBoxes>(shapes);
 }
 
 void OCCPickingSystemImpl::SetPickingLevel(PickingLevel newLevel)

@@ -3,7 +3,7 @@
 // A pick looks only at shapes whose box the line meets, and in those only at vertices, edges and
 // faces whose box it meets; the boxes of sub-shapes are made at the first pick that needs them.
 // Boxes are those of the time of SetShapes: what is moved in place after that is looked for where
-// it was. Copies share the boxes.
+// it was. A copy has boxes of its own, so that it may serve another thread.
 #pragma once
 
 #include "foundation/Export.h"
@@ -60,7 +60,7 @@ private:
   PickResult PickTimedFace(std::size_t index, const TopoDS_Face& face, const gp_Lin& ray);
 
   std::vector<TopoDS_Shape> shapes;
-  std::shared_ptr<ShapeBoxes> boxes;
+  std::unique_ptr<ShapeBoxes> boxes;
   PickingLevel level = PickingLevel::None;
   double tolerance = kDefaultTolerance;
 };
