@@ -33,17 +33,15 @@ TopoDS_Face FirstFace(const TopoDS_Shape& shape)
 void ExpectThicknessOfPlainForm(const TopoDS_Shape& shape, int samples)
 {
   const PlainThickness plain(shape, samples);
-  std::vector<double> measured;
   const auto report = Analyzer::AnalyzeThickness(shape, samples, 1 << 20);
-  for (const ThicknessHotspot& hotspot : report.hotspots)
-    measured.push_back(hotspot.value);
-  std::vector<double> expected = plain.values;
-  std::sort(expected.begin(), expected.end());
-  // Where the kernel approximates an intersection, it starts from the range of the line that it is
-  // given.
-  ASSERT_EQ(measured.size(), expected.size());
-  for (std::size_t i = 0; i < expected.size(); ++i)
-    EXPECT_NEAR(measured[i], expected[i], 1e-6);
+  ASSERT_EQ(report.hotspots.size(), plain.values.size());
+  for (const ThicknessHotspot& at : report.hotspots) {
+    const auto expected = plain.values.find({double(at.face), at.u, at.v});
+    ASSERT_NE(expected, plain.values.end()) << "face " << at.face << " at " << at.u << ", " << at.v;
+    // Where the kernel approximates an intersection, it starts from the range of the line that it
+    // is given.
+    EXPECT_NEAR(at.value, expected->second, 1e-6);
+  }
 }
 
 } // namespace

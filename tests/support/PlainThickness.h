@@ -15,9 +15,10 @@
 #include <gp_Lin.hxx>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
-#include <vector>
+#include <map>
 
 namespace OrvexTest {
 
@@ -31,14 +32,16 @@ public:
     const double diagonal = std::sqrt(box.SquareExtent());
     longest = std::max(2 * diagonal, 1.0);
     eps = std::max(diagonal * 1e-9, 1e-6);
+    int number = 0;
     for (TopExp_Explorer faces(shape, TopAbs_FACE); faces.More(); faces.Next())
-      Sample(TopoDS::Face(faces.Current()), samples);
+      Sample(TopoDS::Face(faces.Current()), ++number, samples);
   }
 
-  std::vector<double> values;
+  // By face number and parameters.
+  std::map<std::array<double, 3>, double> values;
 
 private:
-  void Sample(const TopoDS_Face& face, int samples)
+  void Sample(const TopoDS_Face& face, int number, int samples)
   {
     double u1 = 0, u2 = 0, v1 = 0, v2 = 0;
     BRepTools::UVBounds(face, u1, u2, v1, v2);
@@ -47,11 +50,11 @@ private:
         const double u = u1 + (u2 - u1) * i / (samples - 1), v = v1 + (v2 - v1) * j / (samples - 1);
         GeomLProp_SLProps properties(BRep_Tool::Surface(face), u, v, 1, 1e-6);
         if (properties.IsNormalDefined())
-          Measure(properties.Value(), properties.Normal());
+          Measure({double(number), u, v}, properties.Value(), properties.Normal());
       }
   }
 
-  void Measure(const gp_Pnt& point, const gp_Dir& normal)
+  void Measure(const std::array<double, 3>& place, const gp_Pnt& point, const gp_Dir& normal)
   {
     const gp_Pnt plus = point.Translated(gp_Vec(normal) * eps);
     const gp_Pnt minus = point.Translated(gp_Vec(normal) * -eps);
@@ -66,7 +69,7 @@ private:
     else if (minusInside)
       distance = Way(minus, -normal);
     if (std::isfinite(distance))
-      values.push_back(distance + eps);
+      values[place] = distance + eps;
   }
 
   bool IsInside(const gp_Pnt& point)
