@@ -111,12 +111,13 @@ class ShapeCheck
 public:
   ShapeCheck(const TopoDS_Shape& checked, std::int32_t place, const ModelCheckOptions& limits,
              std::vector<ModelCheckIssue>& found)
-      : shape(checked), shapeIndex(place), options(limits), issues(found), analyzer(checked, true)
+      : shape(checked), shapeIndex(place), options(limits), issues(found), analyzer(checked, true),
+        isValid(analyzer.IsValid())
   {}
 
   void Run()
   {
-    if (!analyzer.IsValid())
+    if (!isValid)
       Add(ModelFault::InvalidShape, kWholeShape);
     CheckEdges();
     CheckEach(TopAbs_WIRE, &ShapeCheck::CheckWire);
@@ -125,6 +126,12 @@ public:
   }
 
 private:
+  // The kernel finds a shape valid only if it finds all that it consists of valid.
+  bool IsFaulty(const TopoDS_Shape& part) const
+  {
+    return !isValid && !analyzer.IsValid(part);
+  }
+
   void Add(ModelFault fault, std::int32_t subIndex, double value = 0, double threshold = 0)
   {
     if (count >= options.maxIssuesPerShape)
@@ -170,7 +177,7 @@ private:
 
   void CheckEdge(const TopoDS_Edge& edge, std::int32_t number)
   {
-    if (!analyzer.IsValid(edge))
+    if (IsFaulty(edge))
       Add(ModelFault::InvalidEdge, number);
     Guarded([&] {
       if (!BRep_Tool::SameParameter(edge))
@@ -189,7 +196,7 @@ private:
 
   void CheckWire(const TopoDS_Shape& wire, std::int32_t number)
   {
-    if (!analyzer.IsValid(wire))
+    if (IsFaulty(wire))
       Add(ModelFault::InvalidWire, number);
     BRepCheck_Wire check(TopoDS::Wire(wire));
     const BRepCheck_Status status = check.Closed(false);
@@ -200,7 +207,7 @@ private:
   void CheckSolid(const TopoDS_Shape& solid, std::int32_t number)
   {
     constexpr double kNoVolume = 1e-7;
-    if (!analyzer.IsValid(solid))
+    if (IsFaulty(solid))
       Add(ModelFault::InvalidSolid, number);
     GProp_GProps properties;
     BRepGProp::VolumeProperties(solid, properties);
@@ -211,7 +218,7 @@ private:
   void CheckFace(const TopoDS_Shape& part, std::int32_t number)
   {
     const TopoDS_Face& face = TopoDS::Face(part);
-    if (!analyzer.IsValid(face))
+    if (IsFaulty(face))
       Add(ModelFault::InvalidFace, number);
     bool isPlane = false;
     Guarded([&] {
@@ -262,6 +269,7 @@ private:
   const ModelCheckOptions& options;
   std::vector<ModelCheckIssue>& issues;
   const BRepCheck_Analyzer analyzer;
+  const bool isValid;
   std::int32_t count = 0;
 };
 
