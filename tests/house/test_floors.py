@@ -17,6 +17,7 @@ FLOORS = [
     ("src/features/registration/*", 6),
     ("src/assembly/AssemblyConstraint*", 6),
     ("src/assembly/AssemblyGeometry*", 6),
+    ("src/step/rebuild/*", 7),
     ("src/step/*", 6),
     ("src/operations/*", 6),
     ("src/creators/*", 5),
@@ -29,8 +30,8 @@ FLOORS = [
     ("src/document/*", 2),
     ("src/kernel/*", 1),
     ("src/foundation/*", 1),
-    ("apps/*", 7),
-    ("python/*", 7),
+    ("apps/*", 8),
+    ("python/*", 8),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 
