@@ -203,8 +203,8 @@ private:
   TopoDS_Shape Try(const Attempt& attempt) const
   {
     try {
-      const TopoDS_Shape shape = PutTogether(attempt.formed ? formed : joined,
-                                             attempt.fuzzy ? kRounding * SizeOf(body) : 0);
+      const TopoDS_Shape shape =
+        PutTogether(attempt.formed ? formed : joined, attempt.fuzzy ? kRounding * SizeOf(body) : 0);
       return !shape.IsNull() && IsEquivalent(body, shape) ? shape : TopoDS_Shape();
     } catch (const Standard_Failure&) {
       return {};

@@ -66,7 +66,8 @@ gp_Pln PlaneOf(const TopoDS_Face& face)
 
 // Whether visit(point, normal) holds at a few places all over the face; the normal is a unit vector
 // without a side. Places where the surface has none are left out.
-bool HoldsOn(const TopoDS_Face& face, const std::function<bool(const gp_Pnt&, const gp_Vec&)>& visit)
+bool HoldsOn(const TopoDS_Face& face,
+             const std::function<bool(const gp_Pnt&, const gp_Vec&)>& visit)
 {
   constexpr int kPlaces = 5;
   const BRepAdaptor_Surface surface(face, false);
@@ -181,8 +182,7 @@ double NearOf(const TopoDS_Shape& body)
 void AddAxis(std::vector<gp_Ax1>& axes, const gp_Ax1& axis, double near)
 {
   AddNew(axes, axis, [&](const gp_Ax1& other) {
-    return other.IsCoaxial(axis, kSlope, near) ||
-           other.IsCoaxial(axis.Reversed(), kSlope, near);
+    return other.IsCoaxial(axis, kSlope, near) || other.IsCoaxial(axis.Reversed(), kSlope, near);
   });
 }
 
@@ -256,8 +256,7 @@ public:
   {
     const gp_Ax3 place(axis.Location(), frame.YDirection(), frame.XDirection());
     const gp_Pln plane(place);
-    const double sense =
-      gp_Vec(place.YDirection()).Dot(gp_Vec(axis.Direction())) > 0 ? 1 : -1;
+    const double sense = gp_Vec(place.YDirection()).Dot(gp_Vec(axis.Direction())) > 0 ? 1 : -1;
     return BRepBuilderAPI_MakeFace(plane, 0, reach, std::min(sense * bottom, sense * top),
                                    std::max(sense * bottom, sense * top))
       .Face();
@@ -300,8 +299,9 @@ std::vector<std::pair<double, TopoDS_Edge>> MeridiansOf(const TopoDS_Shape& body
     const gp_Pnt middle = curve.Value(first + 0.5 * length);
     const gp_Pnt quarter = curve.Value(first + 0.3 * length);
     const bool isOnAxis = around.Radius(middle).Magnitude() < near;
-    if (!isOnAxis && around.Radius(middle).Crossed(around.Radius(quarter)).Magnitude() <=
-                       kSlope * around.Radius(middle).SquareMagnitude() &&
+    if (!isOnAxis &&
+        around.Radius(middle).Crossed(around.Radius(quarter)).Magnitude() <=
+          kSlope * around.Radius(middle).SquareMagnitude() &&
         around.Radius(middle).Dot(around.Radius(quarter)) > 0)
       meridians.emplace_back(around.Angle(middle), edge);
   }
@@ -381,8 +381,8 @@ TopoDS_Shape RevolutionAbout(const gp_Ax1& axis, const TopoDS_Solid& body,
   if (caps.size() != 2)
     return {};
   for (const double angle : AnglesBetween(caps[0], caps[1], axis)) {
-    const TopoDS_Shape made = Equivalent(
-      body, [&] { return BRepPrimAPI_MakeRevol(caps[0], axis, angle).Shape(); });
+    const TopoDS_Shape made =
+      Equivalent(body, [&] { return BRepPrimAPI_MakeRevol(caps[0], axis, angle).Shape(); });
     if (!made.IsNull())
       return made;
   }

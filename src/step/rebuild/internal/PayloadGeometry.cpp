@@ -112,7 +112,8 @@ opencascade::handle<Curve> SplineOf(const Payload& payload)
     return rational ? new Bezier(poles, ArrayOf(payload.weights)) : new Bezier(poles);
   const auto knots = ArrayOf(payload.knots);
   const auto multiplicities = ArrayOf(payload.multiplicities);
-  const bool periodic = IsPeriodic(payload.multiplicities, payload.controlPoints.size(), payload.degree);
+  const bool periodic =
+    IsPeriodic(payload.multiplicities, payload.controlPoints.size(), payload.degree);
   return rational ? new Spline(poles, ArrayOf(payload.weights), knots, multiplicities,
                                payload.degree, periodic)
                   : new Spline(poles, knots, multiplicities, payload.degree, periodic);
@@ -162,7 +163,8 @@ Handle(Geom2d_Curve) CurveOf(const ReplayPcurvePayload& payload, bool clockwise)
     return new Geom2d_Ellipse(UvFrameOf(values, clockwise), values[4], values[5]);
   if (!IsSpline(payload.kind, payload.controlPoints.size()))
     return {};
-  return SplineOf<Geom2d_Curve, Geom2d_BSplineCurve, Geom2d_BezierCurve, TColgp_Array1OfPnt2d>(payload);
+  return SplineOf<Geom2d_Curve, Geom2d_BSplineCurve, Geom2d_BezierCurve, TColgp_Array1OfPnt2d>(
+    payload);
 }
 
 namespace {
@@ -196,15 +198,15 @@ Handle(Geom_Surface) SplineSurfaceOf(const ReplaySurfacePayload& payload)
   const auto vKnots = ArrayOf(payload.vKnots);
   const auto uTimes = ArrayOf(payload.uMultiplicities);
   const auto vTimes = ArrayOf(payload.vMultiplicities);
-  const bool uPeriodic =
-    IsPeriodic(payload.uMultiplicities, static_cast<std::size_t>(payload.poleRows), payload.degreeU);
-  const bool vPeriodic =
-    IsPeriodic(payload.vMultiplicities, static_cast<std::size_t>(payload.poleCols), payload.degreeV);
+  const bool uPeriodic = IsPeriodic(payload.uMultiplicities,
+                                    static_cast<std::size_t>(payload.poleRows), payload.degreeU);
+  const bool vPeriodic = IsPeriodic(payload.vMultiplicities,
+                                    static_cast<std::size_t>(payload.poleCols), payload.degreeV);
   if (payload.weights.size() != payload.controlPoints.size())
     return new Geom_BSplineSurface(poles, uKnots, vKnots, uTimes, vTimes, payload.degreeU,
                                    payload.degreeV, uPeriodic, vPeriodic);
-  const auto weights = GridOf<TColStd_Array2OfReal>(
-    payload, [&](std::size_t at) { return payload.weights[at]; });
+  const auto weights =
+    GridOf<TColStd_Array2OfReal>(payload, [&](std::size_t at) { return payload.weights[at]; });
   return new Geom_BSplineSurface(poles, weights, uKnots, vKnots, uTimes, vTimes, payload.degreeU,
                                  payload.degreeV, uPeriodic, vPeriodic);
 }

@@ -56,7 +56,7 @@ void EachPlace(const ReplayFaceTrimPayload& trim, Visit&& visit)
     }
 }
 
-double MissOf(const Handle(Geom_Surface)& surface, const ReplayFaceTrimPayload& trim)
+double MissOf(const Handle(Geom_Surface) & surface, const ReplayFaceTrimPayload& trim)
 {
   double miss = 0;
   EachPlace(trim, [&](const gp_Pnt2d& uv, const gp_Pnt& point) {
@@ -67,8 +67,8 @@ double MissOf(const Handle(Geom_Surface)& surface, const ReplayFaceTrimPayload& 
 
 // The plane whose axes bring the curves on it to where they are in space: its payload tells only
 // where it lies. The angle of the axes is the one of least squares.
-Handle(Geom_Surface) TurnedPlane(const gp_Pln& plane, const ReplayFaceTrimPayload& trim,
-                                 bool mirrored)
+Handle(Geom_Surface)
+  TurnedPlane(const gp_Pln& plane, const ReplayFaceTrimPayload& trim, bool mirrored)
 {
   const double sense = mirrored ? -1 : 1;
   const gp_Ax3& given = plane.Position();
@@ -92,10 +92,10 @@ Handle(Geom_Surface) TurnedPlane(const gp_Pln& plane, const ReplayFaceTrimPayloa
 bool HasSplinePcurve(const ReplayFaceTrimPayload& trim)
 {
   return std::any_of(trim.loops.begin(), trim.loops.end(), [](const ReplayLoopPayload& loop) {
-    return std::any_of(
-      loop.coedges.begin(), loop.coedges.end(), [](const ReplayCoedgePayload& coedge) {
-        return coedge.hasPcurve && !coedge.pcurve.controlPoints.empty();
-      });
+    return std::any_of(loop.coedges.begin(), loop.coedges.end(),
+                       [](const ReplayCoedgePayload& coedge) {
+                         return coedge.hasPcurve && !coedge.pcurve.controlPoints.empty();
+                       });
   });
 }
 
@@ -109,9 +109,9 @@ gp_Vec DoubleAreaOf(const ReplayLoopPayload& loop)
     const Handle(Geom_Curve) curve = CurveOf(coedge.curve3d);
     for (int piece = 0; piece < kPieces && !curve.IsNull(); ++piece) {
       const double part = double(coedge.orientation ? piece : kPieces - piece) / kPieces;
-      places.push_back(curve->Value(
-        coedge.curve3d.firstParameter +
-        part * (coedge.curve3d.lastParameter - coedge.curve3d.firstParameter)));
+      places.push_back(
+        curve->Value(coedge.curve3d.firstParameter +
+                     part * (coedge.curve3d.lastParameter - coedge.curve3d.firstParameter)));
     }
   }
   gp_Vec sum;
@@ -125,14 +125,14 @@ gp_Vec DoubleAreaOf(const ReplayLoopPayload& loop)
 const ReplayLoopPayload* OuterLoopOf(const ReplayFacePayload& payload)
 {
   const std::vector<ReplayLoopPayload>& loops = payload.trim.loops;
-  const auto best = payload.surface.kind == "plane"
-                      ? std::max_element(loops.begin(), loops.end(),
-                                         [](const auto& one, const auto& other) {
-                                           return DoubleAreaOf(one).SquareMagnitude() <
-                                                  DoubleAreaOf(other).SquareMagnitude();
-                                         })
-                      : std::find_if(loops.begin(), loops.end(),
-                                     [](const auto& loop) { return loop.isOuter; });
+  const auto best =
+    payload.surface.kind == "plane"
+      ? std::max_element(loops.begin(), loops.end(),
+                         [](const auto& one, const auto& other) {
+                           return DoubleAreaOf(one).SquareMagnitude() <
+                                  DoubleAreaOf(other).SquareMagnitude();
+                         })
+      : std::find_if(loops.begin(), loops.end(), [](const auto& loop) { return loop.isOuter; });
   return best == loops.end() ? nullptr : &*best;
 }
 
@@ -167,8 +167,8 @@ double ReachOf(const ReplayFaceTrimPayload& trim)
 }
 
 // The other surface only where it clearly fits better: to loops that are all in line, either does.
-Handle(Geom_Surface) Fitting(const ReplayFaceTrimPayload& trim, const Handle(Geom_Surface)& one,
-                             const Handle(Geom_Surface)& other)
+Handle(Geom_Surface) Fitting(const ReplayFaceTrimPayload& trim, const Handle(Geom_Surface) & one,
+                             const Handle(Geom_Surface) & other)
 {
   constexpr double kClearly = 1e-3;
   return MissOf(other, trim) + kClearly * ReachOf(trim) < MissOf(one, trim) ? other : one;
@@ -253,9 +253,8 @@ TopoDS_Edge BareEdge(const ReplayCoedgePayload& coedge)
 {
   const BRep_Builder builder;
   TopoDS_Edge edge;
-  const Handle(Geom_Curve) curve = coedge.hasCurve3d && !coedge.isDegenerated
-                                     ? CurveOf(coedge.curve3d)
-                                     : Handle(Geom_Curve)();
+  const Handle(Geom_Curve) curve =
+    coedge.hasCurve3d && !coedge.isDegenerated ? CurveOf(coedge.curve3d) : Handle(Geom_Curve)();
   if (curve.IsNull()) {
     builder.MakeEdge(edge);
     builder.Degenerated(edge, coedge.isDegenerated);
@@ -270,7 +269,7 @@ TopoDS_Edge BareEdge(const ReplayCoedgePayload& coedge)
 
 // A conic is taken the way round that follows the edge.
 Handle(Geom2d_Curve) FittingPcurveOf(const ReplayPcurvePayload& payload, const TopoDS_Edge& edge,
-                                     const Handle(Geom_Surface)& surface)
+                                     const Handle(Geom_Surface) & surface)
 {
   const Handle(Geom2d_Curve) pcurve = CurveOf(payload);
   double first = 0;
@@ -281,7 +280,7 @@ Handle(Geom2d_Curve) FittingPcurveOf(const ReplayPcurvePayload& payload, const T
   // Not halfway: a full turn is there at the same time either way round.
   const double place =
     payload.firstParameter + 0.37 * (payload.lastParameter - payload.firstParameter);
-  const auto miss = [&](const Handle(Geom2d_Curve)& tried) {
+  const auto miss = [&](const Handle(Geom2d_Curve) & tried) {
     const gp_Pnt2d uv = tried->Value(place);
     return surface->Value(uv.X(), uv.Y()).SquareDistance(curve->Value(place));
   };
@@ -297,7 +296,7 @@ struct Uses
   const ReplayCoedgePayload* reversed = nullptr;
 };
 
-void SetPcurves(const TopoDS_Edge& edge, const Uses& uses, const Handle(Geom_Surface)& surface)
+void SetPcurves(const TopoDS_Edge& edge, const Uses& uses, const Handle(Geom_Surface) & surface)
 {
   const BRep_Builder builder;
   const TopLoc_Location nowhere;
@@ -315,8 +314,8 @@ void SetPcurves(const TopoDS_Edge& edge, const Uses& uses, const Handle(Geom_Sur
     builder.UpdateEdge(edge, forward.IsNull() ? reversed : forward, surface, nowhere, kTolerance);
   else
     return;
-  const Range range = RangeOf(forward.IsNull() ? reversed : forward, told.firstParameter,
-                              told.lastParameter);
+  const Range range =
+    RangeOf(forward.IsNull() ? reversed : forward, told.firstParameter, told.lastParameter);
   if (BRep_Tool::Degenerated(edge)) {
     builder.Range(edge, surface, nowhere, range.first, range.last);
     return;
@@ -350,8 +349,8 @@ void CoverMiss(const TopoDS_Edge& edge, const TopoDS_Face& face)
     return;
   double miss = 0;
   for (int at = 0; at <= kPlaces; ++at)
-    miss = std::max(miss,
-                    plane->Pln().Distance(curve->Value(first + (last - first) * at / kPlaces)));
+    miss =
+      std::max(miss, plane->Pln().Distance(curve->Value(first + (last - first) * at / kPlaces)));
   BRep_Builder().UpdateEdge(edge, kMargin * miss);
 }
 

@@ -134,8 +134,7 @@ TopoDS_Solid PrimitiveOf(const std::string& kind, const std::vector<ReplayFacePa
     if (kind != row.strategy)
       continue;
     for (const ReplayFacePayload& face : faces)
-      if (face.surface.kind == row.surface &&
-          face.surface.analyticParameters.size() == row.numbers)
+      if (face.surface.kind == row.surface && face.surface.analyticParameters.size() == row.numbers)
         return row.make(face.surface);
     failure = std::string("none of its faces is a ").append(row.surface);
     return {};
