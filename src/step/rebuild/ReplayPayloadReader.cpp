@@ -1,11 +1,15 @@
 #include "step/rebuild/ReplayPayloadReader.h"
 
+#include "step/replay/StepGeometryPayloadStore.h"
+
 #include <QByteArray>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QJsonValue>
 
+#include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 namespace Orvex {
@@ -203,6 +207,29 @@ bool ReplayPayloadReader::ReadFaces(const std::string& json, std::vector<ReplayF
     return false;
   }
   std::move(read.begin(), read.end(), std::back_inserter(faces));
+  return true;
+}
+
+bool ReplayPayloadReader::RestoreDigits(const TopoDS_Shape& exact,
+                                        std::vector<ReplayFacePayload>& faces)
+{
+  StepGeometryPayloadStore store;
+  store.BuildIndex(exact);
+  ReplaySolidPayload solid;
+  if (!store.ExpandSolidPayload(1, solid))
+    return false;
+  std::vector<ReplayFacePayload> restored;
+  for (ReplayShellPayload& shell : solid.shells)
+    std::move(shell.faces.begin(), shell.faces.end(), std::back_inserter(restored));
+  const auto isOfKind = [](const ReplayFacePayload& one, const ReplayFacePayload& other) {
+    return one.surface.kind == other.surface.kind;
+  };
+  if (!std::equal(faces.begin(), faces.end(), restored.begin(), restored.end(), isOfKind))
+    return false;
+  for (std::size_t at = 0; at < faces.size(); ++at)
+    restored[at].faceId = restored[at].surface.id = restored[at].trim.faceId =
+      restored[at].trim.surfaceId = faces[at].faceId;
+  faces = std::move(restored);
   return true;
 }
 

@@ -5,6 +5,8 @@
 #include "foundation/Export.h"
 #include "step/replay/ReplayPayloads.h"
 
+#include <TopoDS_Shape.hxx>
+
 #include <string>
 #include <vector>
 
@@ -20,6 +22,13 @@ public:
   //   or where a value is of another type than its record's, an array of points for example.
   static bool ReadFaces(const std::string& json, std::vector<ReplayFacePayload>& faces,
                         std::string& error);
+
+  // Gives the faces of one solid the digits that their text has lost: the text of payloads keeps
+  // six, which is too few for small parts far from the origin. `exact` is the same solid as its
+  // payload holds it in "exactBrep". Faces keep their ids; edges and vertices get others.
+  // Returns: false, with `faces` as they were, if the solid has another number of faces, or other
+  //   kinds of surfaces.
+  static bool RestoreDigits(const TopoDS_Shape& exact, std::vector<ReplayFacePayload>& faces);
 };
 
 } // namespace Orvex

@@ -302,6 +302,19 @@ TEST(ReplayPayloadReader, ReadsWhatTheStoreWrites)
   EXPECT_NEAR(coedge.pcurve.lastParameter, told.pcurve.lastParameter, 1e-4);
 }
 
+TEST(ReplayPayloadReader, RestoresTheDigitsOfAKnownSolid)
+{
+  const TopoDS_Shape far = Moved(Shaft(), 123456.789, 0, 0);
+  std::vector<ReplayFacePayload> faces = PayloadsOf(far);
+  faces[0].faceId = 77;
+  EXPECT_FALSE(ReplayPayloadReader::RestoreDigits(Bracket(), faces));
+  ASSERT_TRUE(ReplayPayloadReader::RestoreDigits(far, faces));
+  EXPECT_EQ(faces[0].faceId, 77U);
+  EXPECT_EQ(faces[0].trim.faceId, 77U);
+  EXPECT_NEAR(faces[0].surface.analyticParameters.at(0), 123456.789, 1e-9);
+  ExpectEquivalent(far, ReplaySolidRebuilder(faces).FromFeatures());
+}
+
 TEST(ReplayPayloadReader, RefusesWhatIsNoPayload)
 {
   std::vector<ReplayFacePayload> faces(1);
