@@ -1,6 +1,6 @@
 # What one types. Each target is a script in scripts/ that can also be run by hand.
 .DEFAULT_GOAL := help
-.PHONY: help demo test bench format format-check lint sanitize deps clean
+.PHONY: help demo test python bench format format-check lint sanitize deps clean
 
 help:  ## show this list
 	@grep -hE '^[a-z-]+:.*## ' $(MAKEFILE_LIST) | sed -E 's/:[^#]*## /\t/' | expand -t 16
@@ -10,6 +10,9 @@ demo:  ## install what is needed, build, and show the sample assembly
 
 test:  ## install what is needed, build, and run all tests
 	@scripts/test.sh
+
+python:  ## install what is needed, and build the Python package
+	@scripts/python.sh
 
 bench:  ## build and run the benchmarks, one table in docs/benchmarks.md
 	@scripts/bench.sh

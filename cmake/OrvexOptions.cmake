@@ -2,6 +2,7 @@
 option(ORVEX_BUILD_APPS "Build the command line and the examples" ON)
 option(ORVEX_BUILD_TESTS "Build the tests" ON)
 option(ORVEX_BUILD_BENCHMARKS "Build the benchmarks" ON)
+option(ORVEX_BUILD_PYTHON "Build the Python package" ON)
 option(ORVEX_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 
 include(GNUInstallDirs)

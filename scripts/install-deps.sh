@@ -26,7 +26,12 @@ libgmock-dev|tests
 libbenchmark-dev|benchmarks
 libfcl-dev|benchmarks: the peer of collision checks
 libembree-dev|benchmarks: the peer of picks on triangles
+pybind11-dev|the Python package
+python3-dev|the Python package
+python3-numpy|the Python package: samples and meshes as arrays
 python3|checks that the tests run
+python3-pytest|tests of the Python package
+mypy|tests of the Python package: its types
 python3-jsonschema|tests check JSON output against its schema
 LIST
   if [ "${1:-}" = --lint ]; then
