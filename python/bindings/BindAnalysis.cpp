@@ -144,8 +144,8 @@ void BindEquivalence(py::module_& module)
        bool volume, bool area, bool box, bool topology) {
       if (!(relative >= 0) || !(absolute >= 0))
         throw py::value_error("relative_tolerance and absolute_tolerance: 0 or above");
-      return ShapeEquivalenceAnalyzer::Compare(
-        source, candidate, {relative, absolute, volume, area, box, topology});
+      return ShapeEquivalenceAnalyzer::Compare(source, candidate,
+                                               {relative, absolute, volume, area, box, topology});
     },
     py::arg("source"), py::arg("candidate"), py::kw_only(), py::arg("relative_tolerance") = 1e-4,
     py::arg("absolute_tolerance") = 1e-6, py::arg("volume") = true, py::arg("area") = true,
@@ -184,8 +184,7 @@ void BindCheck(py::module_& module)
     "check",
     [](const std::vector<TopoDS_Shape>& shapes, double shortEdge, double hole, double blend,
        double chamfer, double faceArea, int most) {
-      return ModelCheckAnalyzer::Analyze(shapes,
-                                         {shortEdge, hole, blend, chamfer, faceArea, most});
+      return ModelCheckAnalyzer::Analyze(shapes, {shortEdge, hole, blend, chamfer, faceArea, most});
     },
     py::arg("shapes"), py::kw_only(), py::arg("short_edge") = defaults.shortEdgeThreshold,
     py::arg("small_hole_radius") = defaults.smallHoleRadius,

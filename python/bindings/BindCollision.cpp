@@ -51,7 +51,9 @@ void BindCollision(py::module_& module)
     .def_readonly("distance", &Result::distance)
     .def_readonly("overlap_shape", &Result::overlapShape)
     .def_property_readonly("has_collision", &Result::hasCollision)
-    .def_property_readonly("has_intersection", &Result::hasIntersection)
+    .def_property_readonly(
+      "is_contact",
+      [](const Result& result) { return result.hasCollision() && !(result.overlapVolume > 0); })
     .def_property_readonly("point_on_first",
                            [](const Result& result) { return TupleOf(result.pointOnA); })
     .def_property_readonly("point_on_second",

@@ -49,8 +49,7 @@ void BindPicking(py::module_& module)
 {
   py::class_<PickResult>(module, "PickResult")
     .def_readonly("shape_index", &PickResult::shapeIndex)
-    .def_property_readonly("level",
-                           [](const PickResult& result) { return kLevels[result.level]; })
+    .def_property_readonly("level", [](const PickResult& result) { return kLevels[result.level]; })
     .def_property_readonly("point",
                            [](const PickResult& result) {
                              return py::make_tuple(result.point.X(), result.point.Y(),
@@ -62,11 +61,12 @@ void BindPicking(py::module_& module)
   py::class_<OCCPickingSystem>(module, "PickingSystem")
     .def(py::init<>())
     .def("set_shapes", &OCCPickingSystem::SetShapesToPick, py::arg("shapes"))
-    .def("set_level",
-         [](OCCPickingSystem& system, const std::string& level) {
-           system.SetPickingLevel(LevelOf(level));
-         },
-         py::arg("level"))
+    .def(
+      "set_level",
+      [](OCCPickingSystem& system, const std::string& level) {
+        system.SetPickingLevel(LevelOf(level));
+      },
+      py::arg("level"))
     .def("set_tolerance", &OCCPickingSystem::SetPickingTolerance, py::arg("tolerance"))
     .def("pick", &Pick, py::arg("origin"), py::arg("direction"));
 }

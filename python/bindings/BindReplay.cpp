@@ -72,20 +72,24 @@ void BindReplay(py::module_& module)
                                failures.emplace_back(failure.faceId, failure.reason);
                              return failures;
                            })
-    .def("face", [](const SolidRebuilder& solid, std::uint64_t id) { return solid.Get().Face(id); },
-         py::arg("id"))
-    .def("shell",
-         [](const SolidRebuilder& solid, const std::vector<std::uint64_t>& ids) {
-           return solid.Get().Shell({ids.begin(), ids.end()});
-         },
-         py::arg("ids"), Unlocked())
-    .def("from_faces", [](const SolidRebuilder& solid) { return solid.Get().FromFaces(); },
-         Unlocked())
-    .def("from_features", [](const SolidRebuilder& solid) { return solid.Get().FromFeatures(); },
-         Unlocked())
-    .def("from_primitive",
-         [](const SolidRebuilder& solid, const std::string& kind) {
-           return solid.Get().FromPrimitive(kind);
-         },
-         py::arg("kind"), Unlocked());
+    .def(
+      "face", [](const SolidRebuilder& solid, std::uint64_t id) { return solid.Get().Face(id); },
+      py::arg("id"))
+    .def(
+      "shell",
+      [](const SolidRebuilder& solid, const std::vector<std::uint64_t>& ids) {
+        return solid.Get().Shell({ids.begin(), ids.end()});
+      },
+      py::arg("ids"), Unlocked())
+    .def(
+      "from_faces", [](const SolidRebuilder& solid) { return solid.Get().FromFaces(); }, Unlocked())
+    .def(
+      "from_features", [](const SolidRebuilder& solid) { return solid.Get().FromFeatures(); },
+      Unlocked())
+    .def(
+      "from_primitive",
+      [](const SolidRebuilder& solid, const std::string& kind) {
+        return solid.Get().FromPrimitive(kind);
+      },
+      py::arg("kind"), Unlocked());
 }

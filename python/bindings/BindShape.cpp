@@ -47,7 +47,7 @@ namespace {
 
 using Triple = std::array<double, 3>;
 
-constexpr const char* kKinds[] = {"compound", "compsolid", "solid", "shell", "face",
+constexpr const char* kKinds[] = {"compound", "compsolid", "solid",  "shell", "face",
                                   "wire",     "edge",      "vertex", "shape"};
 
 const char* KindOf(const TopoDS_Shape& shape)
@@ -208,7 +208,8 @@ void AddFace(const TopoDS_Face& face, std::int32_t number, Triangles& triangles)
     mesh->Triangle(at).Get(a, b, c);
     if (face.Orientation() == TopAbs_REVERSED)
       std::swap(b, c);
-    triangles.corners.insert(triangles.corners.end(), {first + a - 1, first + b - 1, first + c - 1});
+    triangles.corners.insert(triangles.corners.end(),
+                             {first + a - 1, first + b - 1, first + c - 1});
     triangles.faces.push_back(number);
   }
 }
@@ -287,7 +288,8 @@ void CheckAbove(const char* name, double value, double limit)
 {
   if (value > limit)
     return;
-  throw py::value_error(std::string(name).append(": above ").append(limit == 0 ? "0" : "the other"));
+  throw py::value_error(
+    std::string(name).append(": above ").append(limit == 0 ? "0" : "the other"));
 }
 
 gp_Ax2 FrameOf(const Triple& origin, const Triple& axis)
@@ -300,7 +302,8 @@ TopoDS_Shape Box(double length, double width, double height, const Triple& origi
   CheckAbove("length", length, 0);
   CheckAbove("width", width, 0);
   CheckAbove("height", height, 0);
-  return BRepPrimAPI_MakeBox(gp_Pnt(origin[0], origin[1], origin[2]), length, width, height).Shape();
+  return BRepPrimAPI_MakeBox(gp_Pnt(origin[0], origin[1], origin[2]), length, width, height)
+    .Shape();
 }
 
 TopoDS_Shape Cylinder(double radius, double height, const Triple& origin, const Triple& axis)
@@ -391,7 +394,8 @@ void BindShape(py::module_& module)
       "vertices", [](const TopoDS_Shape& shape) { return SubShapes(shape, TopAbs_VERTEX); })
     .def("is_same", &TopoDS_Shape::IsSame, py::arg("other"))
     .def("is_partner", &TopoDS_Shape::IsPartner, py::arg("other"))
-    .def("__eq__", [](const TopoDS_Shape& one, const TopoDS_Shape& other) { return one.IsEqual(other); })
+    .def("__eq__",
+         [](const TopoDS_Shape& one, const TopoDS_Shape& other) { return one.IsEqual(other); })
     .def("__hash__",
          [](const TopoDS_Shape& shape) {
            return shape.IsNull() ? 0 : shape.HashCode(std::numeric_limits<int>::max());

@@ -95,9 +95,9 @@ py::list ItemsOf(const StepRead& read)
 {
   py::list items;
   for (const StepShapeData& item : read.reader.GetImportShapeDataList())
-    items.append(py::make_tuple(
-      item.shape, TextOf(item.name),
-      item.hasColor ? py::object(py::make_tuple(item.r, item.g, item.b)) : py::none()));
+    items.append(py::make_tuple(item.shape, TextOf(item.name),
+                                item.hasColor ? py::object(py::make_tuple(item.r, item.g, item.b))
+                                              : py::none()));
   return items;
 }
 
@@ -106,11 +106,10 @@ py::dict ReportOf(const StepRead& read)
   const Orvex::StepReadReport& report = read.reader.GetReadReport();
   py::list messages;
   for (const Orvex::StepMessage& message : report.messages)
-    messages.append(py::dict(py::arg("entity") = message.entityId,
-                             py::arg("type") = TextOf(message.entityType),
-                             py::arg("text") = TextOf(message.text),
-                             py::arg("is_failure") = message.isFailure,
-                             py::arg("during_transfer") = message.duringTransfer));
+    messages.append(
+      py::dict(py::arg("entity") = message.entityId, py::arg("type") = TextOf(message.entityType),
+               py::arg("text") = TextOf(message.text), py::arg("is_failure") = message.isFailure,
+               py::arg("during_transfer") = message.duringTransfer));
   py::list losses;
   for (const Orvex::StepLoss& loss : report.losses)
     losses.append(py::dict(py::arg("entity") = loss.entityId,
@@ -146,7 +145,8 @@ void BindStep(py::module_& module)
     .def_property_readonly("succeeded",
                            [](const StepRead& read) { return read.reader.ReadSucceeded(); })
     .def_property_readonly(
-      "error", [](const StepRead& read) { return TextOf(read.reader.GetLastError().toStdString()); })
+      "error",
+      [](const StepRead& read) { return TextOf(read.reader.GetLastError().toStdString()); })
     .def_property_readonly("items", &ItemsOf)
     .def_property_readonly("report", &ReportOf)
     .def("manifest", &Whole<&Reader::BuildReplayManifestJson>)

@@ -16,7 +16,8 @@ def collisions(shapes: Iterable[Shape], *, preset: str = "balanced",
 
     preset: "fast" (meshes alone), "balanced", "strict" (everything exactly) or "accurate".
     overlap_shapes: keep the common of each overlapping pair.
-    Returns: one `Collision` for each such pair, by the places of the shapes in the list.
+    Returns: one `Collision` for each such pair, by the places of the shapes in the list. One that
+        `is_contact` touches without a common volume.
     """
     found = _orvex.collisions(list(shapes), preset=preset, overlap_shapes=overlap_shapes)
     return [result for result in found if result.has_collision]
@@ -28,8 +29,8 @@ def interferences(shapes: Iterable[Shape], tolerance: float = 0.0) -> List[Tuple
 
 
 def _repr(self: Collision) -> str:
-    return (f"<orvex.Collision: {self.first} and {self.second}, {self.state}, "
-            f"volume {self.overlap_volume:g}>")
+    state = "contact" if self.is_contact else f"overlap of {self.overlap_volume:g}"
+    return f"<orvex.Collision: {self.first} and {self.second}, {state}>"
 
 
 Collision.__repr__ = _repr  # type: ignore[method-assign,assignment]

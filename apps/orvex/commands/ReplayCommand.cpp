@@ -8,6 +8,7 @@
 #include "frame/Worker.h"
 #include "info/InputCheck.h"
 #include "replay/ReplayExport.h"
+#include "replay/ReplayRun.h"
 
 #include <CLI/CLI.hpp>
 
@@ -50,6 +51,8 @@ struct ReplayOptions
   std::uint64_t face = 0, shell = 0, solid = 0;
   ReplayScopeWord scope = ReplayScopeWord::Model;
   bool all = false;
+  bool run = false, strategy = false;
+  std::string report;
   double stallLimitSeconds = kStallLimitSeconds;
   std::string output;
 };
@@ -237,10 +240,44 @@ std::string IsCount(const std::string& text)
   return isCount ? std::string() : std::string(text).append(" is no number of an entity");
 }
 
+// What runs of scripts understand of the command's options.
+std::vector<std::string> RunArguments(const ReplayOptions& options, const CommonOptions& common)
+{
+  std::vector<std::string> arguments;
+  const auto add = [&](const char* name, const std::string& value) {
+    if (!value.empty())
+      arguments.insert(arguments.end(), {name, value});
+  };
+  add("--solid", options.scope == ReplayScopeWord::Solid ? std::to_string(options.solid) : "");
+  add("--output", options.output);
+  add("--report", options.report);
+  const std::pair<const char*, bool> flags[] = {{"--strategy", options.strategy},
+                                                {"--all", options.all},
+                                                {"--json", common.json},
+                                                {"--quiet", common.quiet}};
+  for (const auto& [name, isSet] : flags)
+    if (isSet)
+      arguments.push_back(name);
+  return arguments;
+}
+
+[[noreturn]] void RunScripts(const ReplayOptions& options, Session& session)
+{
+  const CommonOptions& common = session.Options();
+  if (options.scope == ReplayScopeWord::Face || options.scope == ReplayScopeWord::Shell)
+    throw Wrong(QStringLiteral("--run rebuilds solids"), QStringLiteral("name one with --solid"));
+  if (common.timeLimitSeconds > 0)
+    throw Wrong(QStringLiteral("--run has no time limit"), QStringLiteral("timeout(1) sets one"));
+  session.Streams().GiveBack();
+  RunReplayInPython(options.path, RunArguments(options, common));
+}
+
 ExitCode RunReplay(const ReplayOptions& options, Session& session)
 {
   if (const auto problem = CheckInput(options.path, FileFormat::Step))
     throw *problem;
+  if (options.run)
+    RunScripts(options, session);
   return options.all ? ExportAll(options, session) : ExportOne(options, session);
 }
 
@@ -270,6 +307,15 @@ Action DeclareReplay(CLI::App& app)
   addEntity("--solid", options->solid, ReplayScopeWord::Solid);
   app.add_option("-o,--output", options->output, "Write there instead of to standard output")
     ->option_text("FILE|DIR");
+  CLI::Option* run =
+    app.add_flag("--run", options->run, "Run the scripts, and tell what they rebuild");
+  for (const FormRow& row : kForms)
+    run->excludes(row.option);
+  app.add_flag("--strategy", options->strategy, "Rebuild by strategy, not from the exact text")
+    ->needs(run);
+  app.add_option("--report", options->report, "Write what became of each solid, as JSON")
+    ->option_text("FILE")
+    ->needs(run);
   AddStallLimit(app, options->stallLimitSeconds);
   return [options](Session& session) { return RunReplay(*options, session); };
 }

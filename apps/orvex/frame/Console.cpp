@@ -48,8 +48,13 @@ Console::Console() : resultDescriptor(::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 3)
 
 Console::~Console()
 {
-  ::dup2(resultDescriptor, STDOUT_FILENO);
+  GiveBack();
   ::close(resultDescriptor);
+}
+
+void Console::GiveBack() const
+{
+  ::dup2(resultDescriptor, STDOUT_FILENO);
 }
 
 void Console::ShowKernelChatter()

@@ -25,6 +25,9 @@ public:
   // Lets descriptor 1 go to standard error instead of nowhere.
   void ShowKernelChatter();
 
+  // Gives standard output back, for a program that is to take this one's place.
+  void GiveBack() const;
+
   // Writes to the real standard output, whole.
   // Errors: a Failure when it cannot be written.
   void WriteResult(const QByteArray& bytes);

@@ -45,6 +45,7 @@ def _parser() -> argparse.ArgumentParser:
     parser.add_argument("--all", action="store_true", help="all solids (the default)")
     parser.add_argument("-o", "--output", metavar="OUT.step", help="write the solids")
     parser.add_argument("--report", metavar="OUT.json", help="write what became of each solid")
+    parser.add_argument("--json", action="store_true", help="print the report instead of a table")
     parser.add_argument("-q", "--quiet", action="store_true", help="no progress")
     return parser
 
@@ -59,16 +60,16 @@ def _run_model(options: argparse.Namespace) -> int:
         outcomes.append(outcome)
         if not options.quiet and sys.stderr.isatty():
             print(f"\r{len(outcomes)} solids", end="", file=sys.stderr, flush=True)
-    if not outcomes:
-        print("there are no solids in it")
-        return DONE
-    print(table(outcomes))
+    if options.json:
+        print(json.dumps(as_record(options.file, outcomes, options.strategy)))
+    else:
+        print(table(outcomes) if outcomes else "there are no solids in it")
     return _write(options, outcomes)
 
 
 def _write(options: argparse.Namespace, outcomes: List[Outcome]) -> int:
     shapes = [one.shape for one in outcomes if one.shape is not None]
-    if options.output:
+    if options.output and shapes:
         compound(shapes).write(options.output)
     if options.report:
         _write_text(options.report,
