@@ -11,3 +11,5 @@ for program in build/release/bin/bench_*; do
   echo "== $name"
   "$program" "$@" | tee "build/bench/$name.txt"
 done
+echo "== bench_python"
+PYTHONPATH=build/release/python /usr/bin/python3 benchmarks/bench_python.py | tee build/bench/bench_python.txt

@@ -32,5 +32,5 @@ def _check_repr(self: CheckReport) -> str:
             f"{self.info_count} notes>")
 
 
-EquivalenceReport.__repr__ = _equivalence_repr  # type: ignore[method-assign,assignment]
-CheckReport.__repr__ = _check_repr  # type: ignore[method-assign,assignment]
+setattr(EquivalenceReport, "__repr__", _equivalence_repr)
+setattr(CheckReport, "__repr__", _check_repr)

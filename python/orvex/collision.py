@@ -33,4 +33,4 @@ def _repr(self: Collision) -> str:
     return f"<orvex.Collision: {self.first} and {self.second}, {state}>"
 
 
-Collision.__repr__ = _repr  # type: ignore[method-assign,assignment]
+setattr(Collision, "__repr__", _repr)

@@ -37,4 +37,4 @@ def _repr(self: PickResult) -> str:
     return f"<orvex.PickResult: {self.level} of shape {self.shape_index} at ({x:g}, {y:g}, {z:g})>"
 
 
-PickResult.__repr__ = _repr  # type: ignore[method-assign,assignment]
+setattr(PickResult, "__repr__", _repr)

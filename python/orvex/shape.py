@@ -5,7 +5,7 @@ from __future__ import annotations
 import os
 import pathlib
 import tempfile
-from typing import TYPE_CHECKING, Callable, Iterable, NamedTuple, Sequence, Union
+from typing import TYPE_CHECKING, Callable, NamedTuple, Union
 
 from . import _orvex
 from ._orvex import Shape, box, compound, cone, cylinder, sphere, torus
@@ -141,9 +141,6 @@ Shape.__doc__ = """A solid, face, edge or any other shape of the kernel; never c
 of a model at the same place; `orvex.compare` tells whether two are alike. They pickle.
 """
 Shape.__module__ = "orvex"
-Shape.__repr__ = _repr  # type: ignore[method-assign,assignment]
-Shape.mesh = _mesh  # type: ignore[method-assign]
-Shape.write = _write  # type: ignore[method-assign]
-Shape.__add__ = _fuse  # type: ignore[method-assign]
-Shape.__sub__ = _cut  # type: ignore[method-assign]
-Shape.__and__ = _common  # type: ignore[method-assign]
+for _name, _method in {"__repr__": _repr, "mesh": _mesh, "write": _write, "__add__": _fuse,
+                       "__sub__": _cut, "__and__": _common}.items():
+    setattr(Shape, _name, _method)

@@ -228,9 +228,12 @@ class Host:
 
     def build_solid(self, payload: Payload) -> Built:
         """The solid from its exact text or, by strategy, as a primitive, from features, or from its
-        trimmed faces, whichever works first."""
+        trimmed faces, whichever works first.
+
+        A text that has lost the digits that made its solid valid is joined from faces, too.
+        """
         exact = self._exact(payload)
-        if exact is not None and not self._strategy:
+        if exact is not None and not self._strategy and exact.is_valid:
             self.built = Built(exact, "exact", digits="exact", report=compare(exact, exact))
             return self.built
         ways: List[Tuple[str, Callable[[Any], Any]]] = [
@@ -244,8 +247,10 @@ class Host:
         for way, build in ways:
             built = self._rebuild(payload, way, build)
             if built.shape is not None and (built.report is None or built.report.equivalent):
-                break
-        return built
+                return built
+        if exact is not None and not self._strategy and not (built.shape and built.shape.is_valid):
+            self.built = Built(exact, "exact", digits="exact", report=compare(exact, exact))
+        return self.built  # type: ignore[return-value]
 
     def validate_solid(self, payload: Payload) -> dict:
         """How the solid that was built last compares with the exact one.

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import time
 from dataclasses import dataclass, field
-from typing import Any, Dict, Iterable, Iterator, List, Optional
+from typing import Any, Dict, Iterable, Iterator, List, Optional, Tuple
 
 from .. import compound
 from .._orvex import EquivalenceReport, Shape, compare
@@ -56,7 +56,7 @@ class Outcome:
 
 
 def run_script(text: str, *, strategy: bool = False, name: str = "replay script",
-               host: Optional[Host] = None) -> "tuple[dict, Host]":
+               host: Optional[Host] = None) -> Tuple[dict, Host]:
     """Runs the text of a replay script against a host, a new one unless given.
 
     Returns: what the script's `replay` gives, and the host.
@@ -123,7 +123,7 @@ def _errors_in(result: dict) -> List[str]:
 
 def table(outcomes: List[Outcome]) -> str:
     """How each strategy fared: solids tried, built, equivalent, and the reasons of the rest."""
-    rows = [("strategy", "tried", "built", "equivalent", "all digits", "parts")]
+    rows: List[Tuple[str, ...]] = [("strategy", "tried", "built", "equivalent", "all digits", "parts")]
     for name in sorted({outcome.strategy for outcome in outcomes}):
         rows.append(_row(name, [one for one in outcomes if one.strategy == name]))
     rows.append(_row("all", outcomes))
@@ -134,7 +134,7 @@ def table(outcomes: List[Outcome]) -> str:
     return "\n".join([*lines, *_reasons(outcomes)])
 
 
-def _row(name: str, outcomes: List[Outcome]) -> "tuple[str, ...]":
+def _row(name: str, outcomes: List[Outcome]) -> Tuple[str, ...]:
     built = [one for one in outcomes if one.is_built]
     good = [one for one in outcomes if one.equivalent]
     parts: Dict[str, int] = {}
