@@ -3,7 +3,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
-scripts/build.sh release orvex
+scripts/build.sh release orvex orvex_python
 
 show() {
   printf '\n$ orvex %s\n' "$*"
@@ -12,3 +12,4 @@ show() {
 
 show version
 show info --tree examples/gear-reducer.step
+show replay --run --strategy examples/gear-reducer.step

@@ -22,11 +22,11 @@ PathLike = Union[str, "os.PathLike[str]"]
 class Mesh(NamedTuple):
     """Triangles of a shape, as numpy arrays."""
 
-    vertices: "numpy.ndarray"
+    vertices: numpy.ndarray
     """Float64, (n, 3): places in model units. Faces do not share vertices."""
-    triangles: "numpy.ndarray"
+    triangles: numpy.ndarray
     """Int32, (m, 3): rows of `vertices`, counter-clockwise seen from outside."""
-    faces: "numpy.ndarray"
+    faces: numpy.ndarray
     """Int32, (m,): the face of each triangle, from 1 in the order of the shape."""
 
 

@@ -31,13 +31,13 @@ def test_mypy_accepts_the_package_and_its_use(tmp_path):
     assert done.returncode == 1 and "Incompatible types" in done.stdout
 
 
-def test_the_stub_names_what_the_module_has():
-    stub = (PACKAGE / "_orvex.pyi").read_text()
-    told = set(re.findall(r"^(?:class|def) (\w+)", stub, re.M)) | {"__version__"}
+def test_the_types_name_what_the_module_has():
+    types = (PACKAGE / "_orvex.pyi").read_text()
+    told = set(re.findall(r"^(?:class|def) (\w+)", types, re.M)) | {"__version__"}
     present = {name for name in vars(orvex._orvex) if not name.startswith("__")} | {"__version__"}
     assert told == present
     for name, kind in inspect.getmembers(orvex._orvex, inspect.isclass):
-        section = stub.split(f"class {name}")[1].split("\nclass ")[0] if name in told else ""
+        section = types.split(f"class {name}")[1].split("\nclass ")[0] if name in told else ""
         for member in vars(kind):
             if not member.startswith("_") and not name == "KernelError":
                 assert f"def {member}(" in section, f"{name}.{member}"

@@ -2,6 +2,7 @@
 
 The replay script stands among them, as it is embedded.
 """
+import ast
 import builtins
 import os
 import pathlib
@@ -27,6 +28,19 @@ def is_variable(symbol, table):
             and not symbol.is_parameter() and not symbol.get_name().startswith("_"))
 
 
+def names_in_annotations(text):
+    """They are no more than text to a module that puts their evaluation off."""
+    return {node.id for node in ast.walk(ast.parse(text)) if isinstance(node, ast.Name)
+            and isinstance(node.ctx, ast.Load)}
+
+
+def handed_on(text):
+    """What the module's __all__ lists."""
+    return {name for node in ast.parse(text).body if isinstance(node, ast.Assign)
+            and getattr(node.targets[0], "id", "") == "__all__"
+            for name in ast.literal_eval(node.value)}
+
+
 def findings(text, name):
     with warnings.catch_warnings():
         warnings.simplefilter("error")
@@ -41,6 +55,7 @@ def findings(text, name):
                      if (t is module or s.is_global()) and (s.is_assigned() or s.is_imported() or s.is_namespace())}
     # Read anywhere: enough to find what a change left behind.
     read = {s.get_name() for t in every for s in t.get_symbols() if s.is_referenced()}
+    read |= names_in_annotations(text) | handed_on(text) | {"annotations"}  # of __future__
     found = []
     for table in every:
         for symbol in table.get_symbols():
