@@ -4,6 +4,7 @@
 #include <pybind11/pybind11.h>
 
 void BindShape(pybind11::module_& module);
+void BindDocument(pybind11::module_& module);
 void BindStep(pybind11::module_& module);
 void BindReplay(pybind11::module_& module);
 void BindAnalysis(pybind11::module_& module);

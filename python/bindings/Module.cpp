@@ -13,6 +13,7 @@ PYBIND11_MODULE(_orvex, module)
   Message::DefaultMessenger()->ChangePrinters().Clear();
   BindKernelErrors(module);
   BindShape(module);
+  BindDocument(module);
   BindStep(module);
   BindReplay(module);
   BindAnalysis(module);

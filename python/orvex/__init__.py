@@ -26,12 +26,13 @@ See also: orvex.replay, which runs the scripts that rebuild a model.
 from ._orvex import KernelError, __version__
 from .analysis import check, compare, curvature, draft, min_radius, thickness, zebra
 from .collision import collisions, interferences
+from .document import Document, Feature, kinds
 from .picking import Picker
 from .shape import (Shape, box, compound, cone, cylinder, from_bytes, read, sphere, torus)
 from .step import Model, Part, read_step
 
 __all__ = [
-    "KernelError", "Model", "Part", "Picker", "Shape", "__version__", "box", "check", "collisions",
+    "Document", "Feature", "KernelError", "Model", "Part", "Picker", "Shape", "__version__", "box", "check", "collisions",
     "compare", "compound", "cone", "curvature", "cylinder", "draft", "from_bytes", "interferences",
-    "min_radius", "read", "read_step", "sphere", "thickness", "torus", "zebra",
+    "kinds", "min_radius", "read", "read_step", "sphere", "thickness", "torus", "zebra",
 ]

@@ -1,5 +1,6 @@
 """The examples do what they say."""
 
+import math
 import re
 import subprocess
 import sys
@@ -29,3 +30,10 @@ def test_collisions_of_an_assembly():
 def test_edit_a_replay():
     text = run("edit_a_replay.py")
     assert "volume 23214.602 before, 22869.027 after, 22869.027 by hand" in text
+
+
+def test_parametric_bracket():
+    lines = run("parametric_bracket.py").splitlines()
+    for line, wall in zip(lines, (4, 6, 8), strict=True):
+        volume = 30 * (60 * wall + 1.5 * wall * (50 - wall)) - math.pi * (0.75 * wall) ** 2 * wall
+        assert line == f"wall {wall}: volume {volume:9.2f}, valid"
