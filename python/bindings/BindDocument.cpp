@@ -8,8 +8,8 @@
 #include "document/LabelScheme.h"
 #include "document/ShapeDocMgr.h"
 #include "document/ShapeLabelMgr.h"
-#include "features/FeatureTree.h"
 #include "features/FeatureHistoryManager.h"
+#include "features/FeatureTree.h"
 #include "features/GlobalParameterChange.h"
 #include "features/ParametricFeatureManager.h"
 #include "parameters/GlobalParaMeterMgr.h"
@@ -37,7 +37,7 @@ using Triple = std::array<double, 3>;
 
 constexpr int kUndoLimit = 1000;
 
-const Handle(XCAFApp_Application)& Application()
+const Handle(XCAFApp_Application) & Application()
 {
   static const Handle(XCAFApp_Application) application = [] {
     auto made = XCAFApp_Application::GetApplication();
@@ -205,7 +205,8 @@ const ParameterField& FieldCalled(const ShapeKind& kind, const std::string& name
       return field;
     known.append(known.empty() ? "" : ", ").append(field.name);
   }
-  Refuse(name, std::string("no parameter of a ").append(kind.word).append(", which has ").append(known));
+  Refuse(name,
+         std::string("no parameter of a ").append(kind.word).append(", which has ").append(known));
 }
 
 Orvex::ParameterSet ValuesOf(const ShapeKind& kind, const py::dict& given)
@@ -464,7 +465,8 @@ private:
     std::map<std::string, std::string> expressions;
     for (const std::string& entry : Graph().RegisteredFeatureKeys())
       for (const auto& [name, parameter] : Graph().FindFeature(entry)->paramLabels)
-        expressions[parameter] = Graph().GetParamExpression(Orvex::LabelOfEntry(document, parameter));
+        expressions[parameter] =
+          Graph().GetParamExpression(Orvex::LabelOfEntry(document, parameter));
     Graph().SetEnabled(false);
     Graph().SetEnabled(true);
     for (const auto& [parameter, text] : expressions)
@@ -564,7 +566,10 @@ void BindDocument(py::module_& module)
     .def("redo", &DocumentFace::Redo)
     .def("save", &DocumentFace::Save, py::arg("path"), py::arg("parameters"));
   module.def("kinds", &KindsTold);
-  module.def("sidecar", [](const std::string& path) {
-    return GlobalParaMeterMgr::SidecarPath(QString::fromStdString(path)).toStdString();
-  }, py::arg("path"));
+  module.def(
+    "sidecar",
+    [](const std::string& path) {
+      return GlobalParaMeterMgr::SidecarPath(QString::fromStdString(path)).toStdString();
+    },
+    py::arg("path"));
 }

@@ -102,6 +102,16 @@ bool IsWhole(const TopoDS_Shape& shape)
   return !shape.IsNull() && shape.ShapeType() <= TopAbs_SOLID;
 }
 
+// Components that count as parallel are none to the rule, however far the line runs.
+gp_Lin AsTheRuleSeesIt(const gp_Lin& ray)
+{
+  gp_XYZ direction = ray.Direction().XYZ();
+  for (int axis = 1; axis <= 3; ++axis)
+    if (std::abs(direction.Coord(axis)) < kMeeting.parallelBelow)
+      direction.SetCoord(axis, 0);
+  return gp_Lin(ray.Location(), gp_Dir(direction));
+}
+
 } // namespace
 
 class OCCPickingSystemImpl::ShapeBoxes
@@ -120,8 +130,8 @@ public:
   // The places of the shapes whose box the line meets.
   std::vector<std::uint32_t> On(const gp_Lin& ray) const
   {
-    std::vector<std::uint32_t> places = PlacesOn(tree, ray, 0);
     const gp_XYZ &o = ray.Location().XYZ(), &d = ray.Direction().XYZ();
+    std::vector<std::uint32_t> places = PlacesOn(tree, AsTheRuleSeesIt(ray), 0);
     std::erase_if(places, [&](std::uint32_t i) { return !SpanInBox(o, d, limits[i], kMeeting); });
     return places;
   }
@@ -157,8 +167,9 @@ OCCPickingSystemImpl& OCCPickingSystemImpl::operator=(OCCPickingSystemImpl&&) no
 
 void OCCPickingSystemImpl::SetShapes(const std::vector<TopoDS_Shape>& listed)
 {
+  auto made = std::make_unique<ShapeBoxes>(listed);
   shapes = listed;
-  boxes = std::make_unique<ShapeBoxes>(shapes);
+  boxes = std::move(made);
 }
 
 void OCCPickingSystemImpl::SetPickingLevel(PickingLevel newLevel)

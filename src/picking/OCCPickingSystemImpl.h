@@ -34,7 +34,9 @@ public:
   OCCPickingSystemImpl& operator=(const OCCPickingSystemImpl&);
   OCCPickingSystemImpl& operator=(OCCPickingSystemImpl&&) noexcept;
 
-  // Makes a box for each shape, from its triangulation where there is one.
+  // Makes a box for each shape, from its triangulation where there is one. The shapes' vertices,
+  // edges and faces are collected at the first pick of their level and kept: a shape that is
+  // changed in place afterwards has to be set again.
   void SetShapes(const std::vector<TopoDS_Shape>& shapes);
   // None before, so that nothing is picked.
   void SetPickingLevel(PickingLevel level);

@@ -22,10 +22,10 @@ public:
   {
     if (!isWanted)
       return;
-    timer.start();
     std::string line = "Start Pick(candidate trianglues number): ";
     line += std::to_string(tree.CountCandidates(origin, direction));
     OrvexDebugLogFile::GetInstance()->dumpToFile(std::move(line));
+    timer.start();
   }
 
   void Finish()

@@ -23,7 +23,7 @@ constexpr std::uint32_t kRanksPerHint = 16;
 constexpr SlabRule kMeeting = {1e-10, true};
 constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 // Of the condition below.
-constexpr double kThin = 1e8;
+constexpr double kThin = 1e7;
 
 struct StoredTriangle
 {
@@ -67,6 +67,13 @@ bool Meets(const gp_XYZ& origin, const gp_XYZ& direction, const BoxLimits& box)
 double ConditionOf(const TriangleSides& sides)
 {
   return sides.d00 * sides.d11 / std::abs(sides.determinant);
+}
+
+// The same with the sides' lengths: a short side's term bears the roundings of the long one.
+double SkewOf(const TriangleSides& sides)
+{
+  return ConditionOf(sides) *
+         std::sqrt(std::max(sides.d00, sides.d11) / std::min(sides.d00, sides.d11));
 }
 
 // A box outside of which no point is found to be in the triangle, roundings included. Void for a
@@ -237,7 +244,7 @@ OrvexKDTree::Contents::BuildWalkTree(const std::vector<OrvexTriangleData>& given
   std::vector<std::uint32_t> order = walkTree.TakeOrder();
   order.reserve(given.size());
   for (std::uint32_t place = 0; place < given.size(); ++place)
-    if (boxes[place].IsVoid())
+    if (!(boxes[place].min[0] <= boxes[place].max[0]))
       order.push_back(place);
   return order;
 }
@@ -257,7 +264,7 @@ void OrvexKDTree::Contents::Store(const std::vector<OrvexTriangleData>& given,
   triangles.reserve(given.size());
   for (const std::uint32_t place : order) {
     const TriangleXYZ corners = CornersOf(given[place]);
-    const bool isThin = !(ConditionOf(TriangleSides(corners)) < kThin);
+    const bool isThin = !(SkewOf(TriangleSides(corners)) < kThin);
     storedAt[rankOf[place]] = static_cast<std::uint32_t>(triangles.size());
     triangles.push_back({corners, faceOf[place] & kMaxFace, isThin, rankOf[place]});
   }

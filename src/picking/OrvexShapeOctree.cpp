@@ -47,7 +47,10 @@ bool IsWithin(const Bnd_Box& box, const gp_Pnt& point, double radius)
   double square = 0;
   for (std::size_t axis = 0; axis < 3; ++axis) {
     const double value = point.XYZ().GetData()[axis];
-    const double gap = std::max({0.0, limits->min[axis] - value, value - limits->max[axis]});
+    // What is no number stays none, and is near nothing.
+    const double gap = value < limits->min[axis]   ? limits->min[axis] - value
+                       : value > limits->max[axis] ? value - limits->max[axis]
+                                                   : value - value;
     square += gap * gap;
   }
   return square <= radius * radius;

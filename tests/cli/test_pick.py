@@ -65,6 +65,8 @@ class Pick(unittest.TestCase):
         (self.folder / "bad.txt").write_text(f"{DOWN}\n1,2\n", encoding="utf-8")
         self.assertIn(b"bad.txt: line 2: it is no ray", self.run_orvex("box.brep", "--rays", "bad.txt", code=3).err)
         self.run_orvex("box.brep", "--rays", "none.txt", code=3)
+        self.run_orvex("box.brep", "--rays", ".", code=3)
+        self.run_orvex("box.brep", "--ray", "0,0,10,0,0-1", code=2)
         self.run_orvex("missing.brep", "--ray", DOWN, code=3)
 
 

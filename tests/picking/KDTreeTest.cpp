@@ -56,8 +56,10 @@ PickTriangles Scattered(Random& random, std::size_t count)
     const gp_Pnt a = PointIn(random, 0, 100);
     const double size = std::pow(10, random.Real(-4, 1.5)), thin = std::pow(10, random.Real(-7, 0));
     const gp_Vec along(AnyDirection(random)), aside(AnyDirection(random));
+    // Every other one has sides of very unequal lengths at its first corner.
+    const double other = size * (random.Index(2) == 0 ? 1 : std::pow(10, random.Real(-5, 0)));
     triangles.push_back(PickTriangle(a, a.Translated(along * size),
-                                     a.Translated(along * size + aside * (size * thin))));
+                                     a.Translated(along * other + aside * (other * thin))));
   }
   return triangles;
 }
@@ -200,6 +202,35 @@ TEST(KDTree, HitsAreExactFarFromTheOriginAndFromTheTriangles)
   PickTriangles uneven = OnGrid(random, 1000, 30);
   uneven.push_back(PickTriangle({-1e7, -1e7, 3.3}, {1e7, 0, 3.3}, {0, 1e7, 3.3}));
   ExpectPlainHits(uneven, random, 20, 2000);
+}
+
+// Needles whose sides at the first corner are of very unequal lengths, and rays along the long one:
+// there the roundings of the exact test are largest, and count as it counts them.
+TEST(KDTree, NeedlesAreStruckWhereTheExactTestSaysSo)
+{
+  Random random(23);
+  int struck = 0;
+  for (int round = 0; round < 4000; ++round) {
+    const gp_Pnt a = PointIn(random, -50, 50);
+    const gp_Vec along(AnyDirection(random)), aside(AnyDirection(random));
+    const double length = random.Real(10, 100);
+    const double other = length * std::pow(10, random.Real(-5, -3));
+    const double thin = std::pow(10, random.Real(-4, -3));
+    PickTriangles needle{PickTriangle(a, a.Translated(along * other + aside * (other * thin)),
+                                      a.Translated(along * length))};
+    GiveFaces(needle);
+    const gp_Dir direction = AnyDirection(random);
+    const double sidewards =
+      other * std::pow(10, random.Real(-6, -1)) * (random.Index(2) == 0 ? 1 : -1);
+    const gp_Pnt target =
+      a.Translated(along * (length * random.Real(0, 1)) + aside * (sidewards * thin));
+    const Ray ray{target.Translated(gp_Vec(direction) * -80), direction};
+    const PlainPick plain(needle);
+    const bool expected = plain.Nearest(ray.origin, ray.direction).has_value();
+    struck += expected ? 1 : 0;
+    EXPECT_EQ(OrvexKDTree(needle).NearestHit(ray.origin, ray.direction).has_value(), expected);
+  }
+  EXPECT_GT(struck, 500);
 }
 
 TEST(KDTree, HitsOnMeshesAreThoseOfAllTriangles)

@@ -102,9 +102,11 @@ std::optional<gp_Lin> RayFromText(const std::string& text)
   std::array<double, 6> numbers{};
   std::size_t from = 0;
   for (double& number : numbers) {
-    from = text.find_first_not_of(kBetween, from);
-    if (from == std::string::npos)
+    const std::size_t begin = text.find_first_not_of(kBetween, from);
+    const bool runsOn = &number != numbers.data() && begin == from;
+    if (begin == std::string::npos || runsOn)
       return std::nullopt;
+    from = begin;
     const auto [end, error] =
       std::from_chars(text.data() + from, text.data() + text.size(), number);
     if (error != std::errc() || !std::isfinite(number))
@@ -122,8 +124,11 @@ std::vector<gp_Lin> RaysFromFile(const std::string& path)
 {
   std::ifstream file(path);
   const QString subject = TextFromBytes(path);
-  if (!file)
-    throw Failure{ExitCode::Unreadable, subject, {}, QStringLiteral("it cannot be read"), {}};
+  const auto requireReadable = [&](bool isReadable) {
+    if (!isReadable)
+      throw Failure{ExitCode::Unreadable, subject, {}, QStringLiteral("it cannot be read"), {}};
+  };
+  requireReadable(file.good());
   std::vector<gp_Lin> rays;
   std::string line;
   for (int number = 1; std::getline(file, line); ++number) {
@@ -136,6 +141,8 @@ std::vector<gp_Lin> RaysFromFile(const std::string& path)
                     QStringLiteral("it is no ray"), QStringLiteral("as 0,0,10,0,0,-1")};
     rays.push_back(*ray);
   }
+  // A folder opens like a file, and fails at its first line.
+  requireReadable(!file.bad());
   return rays;
 }
 

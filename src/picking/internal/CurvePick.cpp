@@ -96,7 +96,7 @@ double Refine(const DistanceToLine& distance, Interval bracket)
 int CountScanSteps(double length, double tolerance)
 {
   static constexpr double kFewest = 128, kMost = 4096, kShareOfLength = 0.00048828125;
-  if (length <= kLeastLength)
+  if (!std::isfinite(length) || length <= kLeastLength)
     return static_cast<int>(kFewest);
   const double step = std::max(length * kShareOfLength, 0.5 * std::max(1e-6, tolerance));
   return static_cast<int>(std::clamp(std::trunc(length / step), kFewest, kMost));
