@@ -1,6 +1,7 @@
 // Parametric shapes in a document: kinds, parameters, expressions, global parameters, undo.
 #include "Bindings.h"
 #include "KernelErrors.h"
+#include "ParameterValues.h"
 
 #include <pybind11/stl.h>
 
@@ -23,7 +24,6 @@
 #include <XCAFApp_Application.hxx>
 #include <XCAFDoc_DocumentTool.hxx>
 
-#include <array>
 #include <memory>
 
 namespace py = pybind11;
@@ -31,9 +31,7 @@ namespace py = pybind11;
 namespace {
 
 using Orvex::ParameterField;
-using Orvex::ParameterValue;
 using Orvex::ShapeKind;
-using Triple = std::array<double, 3>;
 
 constexpr int kUndoLimit = 1000;
 
@@ -47,108 +45,6 @@ const Handle(XCAFApp_Application) & Application()
   }();
   return application;
 }
-
-[[noreturn]] void Refuse(const std::string& name, const std::string& allowed)
-{
-  throw py::value_error(std::string(name).append(": ").append(allowed));
-}
-
-gp_XYZ XyzOf(const py::handle& value)
-{
-  const auto numbers = value.cast<Triple>();
-  return gp_XYZ(numbers[0], numbers[1], numbers[2]);
-}
-
-// A value of the type that the field holds.
-struct Reading
-{
-  const ParameterField& field;
-  const py::handle& given;
-
-  ParameterValue operator()(double) const
-  {
-    const auto number = given.cast<double>();
-    if (!field.range.Holds(number))
-      Refuse(field.name, field.range.Text());
-    return number;
-  }
-  ParameterValue operator()(int) const
-  {
-    const auto number = given.cast<int>();
-    if (!field.range.Holds(number))
-      Refuse(field.name, field.range.Text());
-    return number;
-  }
-  ParameterValue operator()(const gp_Pnt&) const
-  {
-    return gp_Pnt(XyzOf(given));
-  }
-  ParameterValue operator()(const gp_Dir&) const
-  {
-    const gp_XYZ numbers = XyzOf(given);
-    if (!(numbers.Modulus() > gp::Resolution()))
-      Refuse(field.name, "a vector that is not zero");
-    return gp_Dir(numbers);
-  }
-  ParameterValue operator()(const gp_Vec&) const
-  {
-    return gp_Vec(XyzOf(given));
-  }
-  ParameterValue operator()(const TopoDS_Shape&) const
-  {
-    return given.cast<TopoDS_Shape>();
-  }
-  ParameterValue operator()(const Orvex::PointList&) const
-  {
-    Orvex::PointList points;
-    for (const auto& point : given.cast<std::vector<Triple>>())
-      points.emplace_back(point[0], point[1], point[2]);
-    return points;
-  }
-};
-
-ParameterValue ValueOf(const ParameterField& field, const py::handle& given)
-{
-  try {
-    return std::visit(Reading{field, given}, field.initial);
-  } catch (const py::cast_error&) {
-    Refuse(field.name, "a number, three numbers or a shape, as the parameter is");
-  }
-}
-
-struct Telling
-{
-  template <typename Place>
-  static py::object OfPlace(const Place& place)
-  {
-    return py::make_tuple(place.X(), place.Y(), place.Z());
-  }
-
-  py::object operator()(double value) const
-  {
-    return py::float_(value);
-  }
-  py::object operator()(int value) const
-  {
-    return py::int_(value);
-  }
-  py::object operator()(const TopoDS_Shape& value) const
-  {
-    return py::cast(value);
-  }
-  py::object operator()(const Orvex::PointList& points) const
-  {
-    py::list told;
-    for (const gp_Pnt& point : points)
-      told.append(OfPlace(point));
-    return told;
-  }
-  template <typename Place>
-  py::object operator()(const Place& place) const
-  {
-    return OfPlace(place);
-  }
-};
 
 // Puts a value on the label of its parameter. Shapes and lists cannot be changed there.
 struct Storing
@@ -313,14 +209,14 @@ public:
     const std::unique_ptr<KindShapeParaCreator> creator(KindOf(entry).make());
     py::dict told;
     for (const Orvex::HeldParameter& held : creator->HeldParameters(label))
-      told[held.field->name] = std::visit(Telling(), held.value);
+      told[held.field->name] = ToPython(held.value);
     return told;
   }
 
   void SetParameter(const std::string& entry, const std::string& name, const py::handle& given)
   {
     const ParameterField& field = FieldCalled(KindOf(entry), name);
-    const ParameterValue value = ValueOf(field, given);
+    const Orvex::ParameterValue value = ValueOf(field, given);
     const TDF_Label parameter = ParameterOf(entry, field);
     if (!std::visit(Storing{parameter}, value))
       Refuse(name, "it cannot be changed here");
@@ -530,8 +426,8 @@ py::dict KindsTold()
   for (const ShapeKind* kind : Orvex::ShapeKinds()) {
     py::dict fields;
     for (const ParameterField& field : kind->fields)
-      fields[field.name] = py::make_tuple(
-        field.range.Text(), field.preset ? std::visit(Telling(), *field.preset) : py::none());
+      fields[field.name] =
+        py::make_tuple(field.range.Text(), field.preset ? ToPython(*field.preset) : py::none());
     kinds[kind->word] = fields;
   }
   return kinds;

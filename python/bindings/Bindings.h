@@ -5,6 +5,7 @@
 
 void BindShape(pybind11::module_& module);
 void BindDocument(pybind11::module_& module);
+void BindOperations(pybind11::module_& module);
 void BindStep(pybind11::module_& module);
 void BindReplay(pybind11::module_& module);
 void BindAnalysis(pybind11::module_& module);

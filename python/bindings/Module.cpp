@@ -14,6 +14,7 @@ PYBIND11_MODULE(_orvex, module)
   BindKernelErrors(module);
   BindShape(module);
   BindDocument(module);
+  BindOperations(module);
   BindStep(module);
   BindReplay(module);
   BindAnalysis(module);

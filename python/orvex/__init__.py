@@ -20,7 +20,7 @@ that names the parameter. Long calls release the interpreter lock.
 The product tree and the documents of the library are one per process. What this package hands out
 are shapes, which belong to whoever holds them: two models can be open side by side.
 
-See also: orvex.replay, which runs the scripts that rebuild a model.
+See also: orvex.operations, a function for each modelling operation; orvex.replay, which runs the scripts that rebuild a model.
 """
 
 from ._orvex import KernelError, __version__

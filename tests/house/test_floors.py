@@ -31,7 +31,7 @@ FLOORS = [
     ("src/kernel/*", 1),
     ("src/foundation/*", 1),
     ("apps/*", 8),
-    ("python/*", 8),
+    ("python/*", 9),
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.MULTILINE)
 

@@ -38,7 +38,8 @@ def handed_on(text):
     """What the module's __all__ lists."""
     return {name for node in ast.parse(text).body if isinstance(node, ast.Assign)
             and getattr(node.targets[0], "id", "") == "__all__"
-            for name in ast.literal_eval(node.value)}
+            for name in (part.value for part in ast.walk(node.value)
+                         if isinstance(part, ast.Constant))}
 
 
 def findings(text, name):
