@@ -121,7 +121,8 @@ py::tuple Operate(const std::string& name, const std::vector<TopoDS_Shape>& inpu
 {
   const Operation& operation = OperationCalled(name);
   CheckInputs(operation, inputs);
-  const OperationOutcome outcome = Run({operation, OperandsFor(name, inputs), ValuesOf(operation, options)});
+  const OperationOutcome outcome =
+    Run({operation, OperandsFor(name, inputs), ValuesOf(operation, options)});
   if (operation.givesShape && outcome.shape.IsNull())
     RaiseKernelError(outcome.reason.isEmpty()
                        ? std::string(name).append(": the kernel cannot do it with these shapes")
@@ -137,11 +138,9 @@ py::dict OptionsTold(const Operation& operation)
 {
   py::dict options;
   for (const OperationOption& option : operation.options) {
-    const std::string allowed =
-      option.words.empty() ? option.field.range.Text() : WordsOf(option);
-    options[option.field.name] =
-      py::make_tuple(option.help, allowed,
-                     option.field.preset ? ToPython(*option.field.preset) : py::none());
+    const std::string allowed = option.words.empty() ? option.field.range.Text() : WordsOf(option);
+    options[option.field.name] = py::make_tuple(
+      option.help, allowed, option.field.preset ? ToPython(*option.field.preset) : py::none());
   }
   return options;
 }

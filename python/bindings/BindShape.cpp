@@ -26,6 +26,7 @@
 #include <IGESControl_Reader.hxx>
 #include <IGESControl_Writer.hxx>
 #include <Poly_Triangulation.hxx>
+#include <RWStl.hxx>
 #include <STEPControl_Writer.hxx>
 #include <StlAPI_Writer.hxx>
 #include <TopExp.hxx>
@@ -149,6 +150,17 @@ TopoDS_Shape ReadIges(const std::string& path)
   if (shape.IsNull())
     RaiseKernelError(path + ": there are no shapes in it");
   return shape;
+}
+
+// One face that carries all the triangles, without a surface.
+TopoDS_Shape ReadStl(const std::string& path)
+{
+  const Handle(Poly_Triangulation) mesh = RWStl::ReadFile(path.c_str());
+  if (mesh.IsNull() || mesh->NbTriangles() == 0)
+    RaiseKernelError(path + ": there are no triangles in it");
+  TopoDS_Face face;
+  BRep_Builder().MakeFace(face, mesh);
+  return face;
 }
 
 void WriteStep(const TopoDS_Shape& shape, const std::string& path)
@@ -340,6 +352,7 @@ void BindFiles(py::module_& module)
   using Unlocked = py::call_guard<py::gil_scoped_release>;
   module.def("shape_from_bytes", &ShapeOfBytes, py::arg("data"));
   module.def("read_iges", &ReadIges, py::arg("path"), Unlocked());
+  module.def("read_stl", &ReadStl, py::arg("path"), Unlocked());
   module.def("write_step", &WriteStep, py::arg("shape"), py::arg("path"), Unlocked());
   module.def("write_iges", &WriteIges, py::arg("shape"), py::arg("path"), Unlocked());
   module.def("write_stl", &WriteStl, py::arg("shape"), py::arg("path"),

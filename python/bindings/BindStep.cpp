@@ -3,6 +3,7 @@
 
 #include <pybind11/stl.h>
 
+#include "assembly/AssemblyTreeMgr.h"
 #include "step/CStepFileReader.h"
 
 #include <optional>
@@ -128,6 +129,31 @@ py::dict ReportOf(const StepRead& read)
     py::arg("messages") = messages, py::arg("losses") = losses);
 }
 
+// (name, name of the shape among the imported ones or "", rows of the placement in the parent,
+// children): of an assembly even without children a list, of a part None.
+py::tuple NodeOf(const AssemblyTreeNode& node)
+{
+  py::list rows;
+  for (std::size_t row = 0; row < 4; ++row) {
+    const double* numbers = node.transform.matrix.data() + 4 * row;
+    rows.append(py::make_tuple(numbers[0], numbers[1], numbers[2], numbers[3]));
+  }
+  py::list children;
+  for (const AssemblyTreeNode& child : node.children)
+    children.append(NodeOf(child));
+  return py::make_tuple(TextOf(node.name), TextOf(node.shapeName), py::tuple(rows),
+                        node.isAssembly ? py::object(children) : py::none());
+}
+
+// Of the read that ended last.
+py::list ProductTree()
+{
+  py::list roots;
+  for (const AssemblyTreeNode& node : AssemblyTreeMgr::GetInstance().GetRoots())
+    roots.append(NodeOf(node));
+  return roots;
+}
+
 } // namespace
 
 void BindStep(py::module_& module)
@@ -149,6 +175,7 @@ void BindStep(py::module_& module)
       [](const StepRead& read) { return TextOf(read.reader.GetLastError().toStdString()); })
     .def_property_readonly("items", &ItemsOf)
     .def_property_readonly("report", &ReportOf)
+    .def_property_readonly("product_tree", [](const StepRead&) { return ProductTree(); })
     .def("manifest", &Whole<&Reader::BuildReplayManifestJson>)
     .def("summary", &Whole<&Reader::BuildReplayIRSummaryJson>)
     .def("features", &Whole<&Reader::BuildReplayFeatureCandidatesJson>)

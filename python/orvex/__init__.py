@@ -29,10 +29,10 @@ from .collision import collisions, interferences
 from .document import Document, Feature, kinds
 from .picking import Picker
 from .shape import (Shape, box, compound, cone, cylinder, from_bytes, read, sphere, torus)
-from .step import Model, Part, read_step
+from .step import Model, Part, Product, read_step
 
 __all__ = [
-    "Document", "Feature", "KernelError", "Model", "Part", "Picker", "Shape", "__version__", "box", "check", "collisions",
+    "Document", "Feature", "KernelError", "Model", "Part", "Picker", "Product", "Shape", "__version__", "box", "check", "collisions",
     "compare", "compound", "cone", "curvature", "cylinder", "draft", "from_bytes", "interferences",
     "kinds", "min_radius", "read", "read_step", "sphere", "thickness", "torus", "zebra",
 ]

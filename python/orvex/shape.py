@@ -91,8 +91,9 @@ def from_bytes(data: bytes) -> Shape:
 
 
 def read(path: PathLike) -> Shape:
-    """Reads a file of one shape, by its ending: .brep, .step, .stp, .igs or .iges.
+    """Reads a file of one shape, by its ending: .brep, .step, .stp, .igs, .iges or .stl.
 
+    An .stl file comes as a face that carries its triangles and has no surface: `mesh` gives them.
     Several free shapes of a STEP file come as a compound; `read_step` tells their names.
     Errors: ValueError for another ending, OSError, KernelError for a file that cannot be read.
     """
@@ -109,7 +110,9 @@ def read(path: PathLike) -> Shape:
                 raise _orvex.KernelError(f"{path}: no shape in the kernel's BREP format") from None
     if ending in (".igs", ".iges"):
         return _orvex.read_iges(os.fspath(path))
-    raise ValueError(f"path: {path} ends in none of .brep, .step, .stp, .igs, .iges")
+    if ending == ".stl":
+        return _orvex.read_stl(os.fspath(path))
+    raise ValueError(f"path: {path} ends in none of .brep, .step, .stp, .igs, .iges, .stl")
 
 
 def _repr(self: Shape) -> str:

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import json
 import os
-from typing import Any, Callable, Iterator, List, NamedTuple, Optional, Tuple, Union
+from typing import Any, Callable, Dict, Iterator, List, NamedTuple, Optional, Tuple, Union
 
 from . import _orvex
 from ._orvex import Shape
@@ -25,6 +25,24 @@ class Part(NamedTuple):
     """Red, green and blue from 0 to 1, linear; None for a part without one."""
 
 
+class Product(NamedTuple):
+    """A node of the product tree: an assembly, or the occurrence of a part."""
+
+    name: str
+    part: Optional[Part]
+    """The part of the model that it is; None for an assembly, and below one that came as a whole."""
+    placement: Tuple[Tuple[float, float, float, float], ...]
+    """In its parent: four rows, the last column the translation in millimetres."""
+    children: Optional[Tuple["Product", ...]]
+    """None for a part."""
+
+    def walk(self, depth: int = 0) -> "Iterator[Tuple[int, Product]]":
+        """The node and all below it, each with its depth, in the order of display."""
+        yield depth, self
+        for child in self.children or ():
+            yield from child.walk(depth + 1)
+
+
 class Model:
     """What a STEP file holds: its free shapes in order, and the documents of a replay.
 
@@ -36,6 +54,9 @@ class Model:
         self.path = path
         self._read = read
         self.parts: List[Part] = [Part(*item) for item in read.items]
+        named = {part.name: part for part in self.parts}
+        self.tree: Tuple[Product, ...] = tuple(_product(node, named) for node in read.product_tree)
+        """The roots of the product tree."""
 
     def __len__(self) -> int:
         return len(self.parts)
@@ -92,6 +113,12 @@ class Model:
             raise ValueError("name one of face, shell and solid, by an id from 1")
         kind, number = named[0]
         return getattr(self._read, f"{kind}_{document}")(number)
+
+
+def _product(node: Any, named: Dict[str, Part]) -> Product:
+    name, shape, placement, children = node
+    below = None if children is None else tuple(_product(child, named) for child in children)
+    return Product(name, named.get(shape), placement, below)
 
 
 def read_step(path: PathLike, *, progress: Optional[Progress] = None, isolated: bool = False,

@@ -93,7 +93,10 @@ def test_files_there_and_back(plate, tmp_path, ending):
 def test_stl_and_bytes_and_pickles(plate, tmp_path):
     plate.write(tmp_path / "plate.stl")
     content = (tmp_path / "plate.stl").read_bytes()
-    assert len(content) == 84 + 50 * int.from_bytes(content[80:84], "little")
+    triangles = int.from_bytes(content[80:84], "little")
+    assert len(content) == 84 + 50 * triangles
+    back = orvex.read(tmp_path / "plate.stl")
+    assert back.kind == "face" and len(back.mesh().triangles) == triangles
     assert orvex.compare(plate, orvex.from_bytes(plate.to_bytes())).equivalent
     assert orvex.compare(plate, pickle.loads(pickle.dumps(plate))).equivalent
 

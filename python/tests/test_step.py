@@ -1,6 +1,7 @@
 """Reading STEP: parts, reports, documents of a replay, progress, refusals."""
 
 import ast
+import json
 import threading
 
 import pytest
@@ -24,6 +25,31 @@ def test_the_report_counts(sample):
     assert report["collected"] and report["solids_out"] <= report["solids_in_file"]
     assert report["length_unit"] == "millimetre" and report["losses"] == []
     assert report["schema"].startswith("A")
+
+
+def test_the_product_tree(sample):
+    [root] = sample.tree
+    nodes = list(root.walk())
+    assert root.name == "gear reducer" and root.part is None
+    assert len(nodes) == 141 and max(depth for depth, _ in nodes) == 3
+    leaves = [node for _, node in nodes if node.children is None]
+    assert len(leaves) == 119
+    assert {leaf.part for leaf in leaves if leaf.part} <= set(sample.parts)
+    assert leaves[0].part.name == leaves[0].name == "housing bottom"
+    balls = [node for _, node in nodes if node.name == "ball"]
+    assert len(balls) == 48 and balls[0].placement[3] == (0, 0, 0, 1)
+    assert [row[3] for row in balls[0].placement[:3]] == pytest.approx([18, 0, 7.5])
+    orvex.read_step(SAMPLE)  # another read does not take it away
+    assert sample.tree[0] is root
+
+
+def test_every_document_is_told_as_json(sample):
+    read = sample._read
+    for name in ("face", "shell", "solid"):
+        bundle = json.loads(getattr(read, f"{name}_bundle")(1))
+        assert bundle[f"{name}Id"] == 1 and bundle["plan"]["scope"] == name
+        assert sample.plan(**{name: 1})["scope"] == name
+    assert set(json.loads(read.bundle())) == {"manifest", "summary", "features"}
 
 
 def test_documents_of_a_replay(sample):
