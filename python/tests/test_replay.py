@@ -166,6 +166,20 @@ def test_from_the_shell(sample, tmp_path):
     done = run(script, "--strategy")
     assert done.returncode == 0 and "equivalent" in done.stdout, done.stdout + done.stderr
 
+    for text, code, words in (("def f(:", 3, "no Python"), ("x = 1", 2, "no replay script")):
+        script.write_text(text)
+        done = run(script)
+        assert done.returncode == code and words in done.stderr and "Traceback" not in done.stderr
+    payload = '{"plan":{"steps":[{"id":1,"kind":"build_solid","commandName":"BuildSolid",' \
+              '"apiCandidates":[]}]},"payload":{"exactBrep":"nonsense"}}'
+    template = sample.script(solid=1)
+    begin = template.index("REPLAY_BUNDLE = ")
+    end = template.index("\n", begin)
+    script.write_text(template[:begin] + f"REPLAY_BUNDLE = json.loads({payload!r})"
+                      + template[end:], encoding="utf-8")
+    done = run(script)
+    assert done.returncode == 4 and "failed: build_solid: data: no shape" in done.stdout
+
     assert run(tmp_path / "none.step").returncode == 3
     assert run(SAMPLE, "--solid", 9999).returncode == 2
     assert run(SAMPLE, "--solid", 1, "-o", tmp_path / "no folder" / "o.step").returncode == 5

@@ -13,6 +13,7 @@ from typing import List, Optional
 from .. import KernelError, compound, read_step
 from . import Outcome, as_record, rebuild, run_script, table
 from .host import Built
+from .run import errors_in
 
 DONE, FOUND, USAGE, UNREADABLE, FAILED, PARTIAL, INTERRUPTED = 0, 1, 2, 3, 4, 5, 130
 
@@ -25,6 +26,8 @@ def main(arguments: Optional[List[str]] = None) -> int:
         return _run_model(options)
     except KernelError as error:
         return _fail(UNREADABLE, error)
+    except SyntaxError as error:
+        return _fail(UNREADABLE, f"{options.file}: it is no Python: {error}")
     except ValueError as error:
         return _fail(USAGE, error)
     except OSError as error:
@@ -97,12 +100,10 @@ def _run_one_script(options: argparse.Namespace) -> int:
     result, host = run_script(text, strategy=options.strategy, name=options.file)
     built = host.built
     print(f"{result['scope']} {result['entityId']}: {result['strategy']}")
-    for step in result["created"]:
-        answer = step["apiResult"]
-        state = "no command" if answer is None else "ok" if answer["ok"] else answer["error"]
-        print(f"  {step['kind']}: {state}")
+    for error in errors_in(result):
+        print(f"failed: {error}")
     if built is None or built.shape is None:
-        print(f"nothing built: {built.failure if built else 'the script asked for no solid'}")
+        print(f"nothing built: {built.failure if built else 'no command has built a solid'}")
         return FAILED
     print(_told(built))
     if options.output:

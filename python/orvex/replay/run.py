@@ -92,7 +92,7 @@ def _rebuild_one(model: Model, number: int, source: Shape, strategy: bool) -> Ou
     begin = time.perf_counter()
     result, host = run_script(model.script(solid=number), strategy=strategy,
                               name=f"solid_{number}.py")
-    outcome = Outcome(number, result["strategy"], built=host.built, errors=_errors_in(result))
+    outcome = Outcome(number, result["strategy"], built=host.built, errors=errors_in(result))
     if outcome.is_built:
         outcome.report = compare(source, host.built.shape)  # type: ignore[union-attr,arg-type]
     outcome.reason = _reason(outcome)
@@ -114,7 +114,8 @@ def _reason(outcome: Outcome) -> str:
     return ", ".join(outcome.report.failures) if outcome.report else ""
 
 
-def _errors_in(result: dict) -> List[str]:
+def errors_in(result: dict) -> List[str]:
+    """What the commands of a run have failed with, as "step: error"."""
     steps = [result.get("strategyResult"), *result.get("created", [])]
     return [f"{step.get('kind', 'strategy')}: {answer['error']}"
             for step in steps if step
